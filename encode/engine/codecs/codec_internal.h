@@ -1,0 +1,26 @@
+// Pieces shared between the codecs and the EncodeBuffer/DecodeBuffer dispatch.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace fe::codecs {
+
+inline constexpr int kLineLength = 72;  // wrapped Base64, Base32 and quoted-printable
+
+// White space as the C library classifies it: space, TAB, LF, VT, FF, CR.
+constexpr bool IsAsciiSpace(uint8_t c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
+
+// The codecs whose published contract lets them write past `capacity`
+// (quoted-printable escapes, URL terminators) take the real size of the
+// buffer as well; where the next write would cross it they fail with -1
+// instead. The dispatch passes the caller's outputSize here.
+int32_t QpEncodeInto(const uint8_t* input, int32_t length, char* output, int32_t capacity,
+                     bool wrap, int64_t bufferSize);
+int32_t UrlEncodeInto(const uint8_t* input, int32_t length, char* output, int32_t capacity,
+                      int64_t bufferSize);
+// The terminator is written only when it fits in bufferSize.
+int32_t UrlDecodeInto(const char* text, int32_t length, uint8_t* output, int32_t capacity,
+                      int64_t bufferSize);
+
+}  // namespace fe::codecs

@@ -1,0 +1,206 @@
+// EncodeBuffer / DecodeBuffer: one entry point for the ten data encodings,
+// with optional compression on the way.
+//
+// A few codec steps, followed to the letter, would write their terminator or
+// the tail of an escape just past outputSize. Here such a call fails with -1
+// and nothing is written beyond the buffer; callers that size their buffers
+// as the control does never meet this.
+#include <cstring>
+
+#include "codecs/codec_internal.h"
+#include "file_encoder.h"
+#include "platform/platform.h"
+
+namespace {
+
+using namespace fe::codecs;
+
+constexpr uint32_t kEncodingMask = 0xFFFF;
+constexpr uint32_t kHighestEncoding = dataEncodeZ85;
+// What the finishers may still need after a chunk coder stopped.
+constexpr int32_t kFinisherReserve = 5;
+constexpr int32_t kBase32FinisherScratch = 128;
+
+// A zero-filled block from the platform heap, freed on scope exit.
+class WorkBuffer {
+ public:
+  explicit WorkBuffer(size_t size)
+      : data_(static_cast<uint8_t*>(fe::platform::AllocateZeroed(size))) {}
+  ~WorkBuffer() { fe::platform::Release(data_); }
+  WorkBuffer(const WorkBuffer&) = delete;
+  WorkBuffer& operator=(const WorkBuffer&) = delete;
+  uint8_t* data() const { return data_; }
+
+ private:
+  uint8_t* data_;
+};
+
+// Appends a finisher's text after `count` characters, or fails when it and
+// its terminator would not fit.
+int32_t AppendFinisher(char* output, int32_t outputSize, int32_t count, const char* tail,
+                       int32_t tailLength) {
+  if (tailLength < 0 || int64_t{count} + tailLength + 1 > outputSize) return -1;
+  std::memcpy(output + count, tail, static_cast<size_t>(tailLength));
+  output[count + tailLength] = '\0';
+  return count + tailLength;
+}
+
+int32_t EncodeBase64(const uint8_t* input, int32_t length, char* output, int32_t outputSize,
+                     bool wrap) {
+  Base64State state{};
+  const int32_t count = Base64EncodeChunk(input, length, output, outputSize - 1, &state, wrap);
+  if (count < 0) return -1;
+  output[count] = '\0';
+  if (outputSize - count < kFinisherReserve) return -1;
+  char tail[kFinisherReserve];
+  const int32_t tailLength = Base64EncodeFinish(&state, tail, wrap);
+  return AppendFinisher(output, outputSize, count, tail, tailLength);
+}
+
+int32_t EncodeBase32(const uint8_t* input, int32_t length, char* output, int32_t outputSize,
+                     bool wrap) {
+  Base32State state{};
+  const int32_t count = Base32EncodeChunk(input, length, output, outputSize - 1, &state, wrap);
+  if (count < 0) return -1;
+  output[count] = '\0';
+  if (outputSize - count < kFinisherReserve) return -1;
+  char tail[kBase32FinisherScratch];
+  const int32_t tailLength = Base32EncodeFinish(&state, tail, kBase32FinisherScratch, wrap);
+  return AppendFinisher(output, outputSize, count, tail, tailLength);
+}
+
+// UTF-16 to UTF-7 or UTF-8. A failed conversion writes nothing, so the NUL
+// lands at the start and the result is 0; a conversion that fills the whole
+// buffer gets no terminator and counts the whole buffer.
+int32_t EncodeUnicode(uint32_t codePage, const void* input, int32_t length, char* output,
+                      int32_t outputSize) {
+  const int converted = fe::platform::WideToMultiByte(
+      codePage, 0, static_cast<const char16_t*>(input), length, output, outputSize);
+  if (converted < outputSize) output[converted] = '\0';
+  return static_cast<int32_t>(strnlen(output, static_cast<size_t>(outputSize)));
+}
+
+int32_t Encode(uint32_t encoding, const uint8_t* input, int32_t length, char* output,
+               int32_t outputSize, bool wrap) {
+  switch (encoding) {
+    case dataEncodeDefault:
+    case dataEncodeBase64:
+      return EncodeBase64(input, length, output, outputSize, wrap);
+    case dataEncodeQuoted: {
+      const int32_t count = QpEncodeInto(input, length, output, outputSize - 1, wrap, outputSize - 1);
+      if (count >= 0) output[count] = '\0';
+      return count;
+    }
+    case dataEncodeURL:
+      return UrlEncodeInto(input, length, output, outputSize, outputSize);
+    case dataEncodeUTF7:
+      return EncodeUnicode(fe::platform::kCodePageUtf7, input, length, output, outputSize);
+    case dataEncodeUTF8:
+      return EncodeUnicode(fe::platform::kCodePageUtf8, input, length, output, outputSize);
+    case dataEncodeBase58:
+      return Base58Encode(input, length, output, outputSize);
+    case dataEncodeBase32:
+      return EncodeBase32(input, length, output, outputSize, wrap);
+    case dataEncodeBase85:
+      return Base85Encode(input, length, output, outputSize);
+    default:
+      return Z85Encode(input, length, output, outputSize);
+  }
+}
+
+int32_t DecodeUnicode(uint32_t codePage, uint32_t conversionFlags, const char* text,
+                      void* output, int32_t outputSize) {
+  const size_t length = std::strlen(text);
+  if (length >= INT32_MAX) return -1;
+  // The terminating NUL is converted and counted.
+  return fe::platform::MultiByteToWide(codePage, conversionFlags, text,
+                                       static_cast<int>(length) + 1,
+                                       static_cast<char16_t*>(output), outputSize);
+}
+
+int32_t Decode(uint32_t encoding, const char* text, void* output, int32_t outputSize) {
+  auto* bytes = static_cast<uint8_t*>(output);
+  switch (encoding) {
+    case dataDecodeDefault:
+    case dataDecodeBase64: {
+      Base64State state{};
+      return Base64DecodeChunk(text, static_cast<int32_t>(strnlen(text, INT32_MAX)), bytes,
+                               outputSize, &state);
+    }
+    case dataDecodeQuoted: {
+      QpDecodeState state{};
+      return QpDecodeChunk(text, static_cast<int32_t>(strnlen(text, INT32_MAX)), bytes,
+                           outputSize, &state);
+    }
+    case dataDecodeURL:
+      return UrlDecodeInto(text, -1, bytes, outputSize, outputSize);
+    case dataDecodeUTF7:
+      return DecodeUnicode(fe::platform::kCodePageUtf7, 0, text, output, outputSize);
+    case dataDecodeUTF8:
+      return DecodeUnicode(fe::platform::kCodePageUtf8, fe::platform::kFailOnInvalidChars, text,
+                           output, outputSize);
+    case dataDecodeBase58:
+      return Base58Decode(text, bytes, outputSize);
+    case dataDecodeBase32: {
+      Base32State state{};
+      return Base32DecodeChunk(text, static_cast<int32_t>(strnlen(text, INT32_MAX)), bytes,
+                               outputSize, &state);
+    }
+    case dataDecodeBase85:
+      return Base85Decode(text, -1, bytes, outputSize);
+    default:
+      return Z85Decode(text, bytes, outputSize);
+  }
+}
+
+}  // namespace
+
+extern "C" {
+
+int32_t EncodeBuffer(const void* input, int32_t inputLength, char* output, int32_t outputSize,
+                     uint32_t flags) {
+  if (input == nullptr || output == nullptr || inputLength < 0 || outputSize < 1) return -1;
+  const uint32_t encoding = flags & kEncodingMask;
+  if (encoding > kHighestEncoding) return -1;
+  const bool wrap = (flags & dataEncodeWrapLines) != 0;
+  if ((flags & fileEncodeCompressed) == 0 || inputLength == 0) {
+    return Encode(encoding, static_cast<const uint8_t*>(input), inputLength, output, outputSize,
+                  wrap);
+  }
+  // The compressed form is used only when it is strictly shorter; nothing in
+  // the output says which was taken. The block is twice the capacity because
+  // the UTF-16 rows read the bytes as code units.
+  WorkBuffer work(size_t{2} * static_cast<uint32_t>(outputSize));
+  if (work.data() == nullptr) return -1;
+  uint32_t compressedLength = static_cast<uint32_t>(outputSize);
+  if (DeflateBuffer(static_cast<const uint8_t*>(input), inputLength, work.data(),
+                    &compressedLength) &&
+      compressedLength < static_cast<uint32_t>(inputLength)) {
+    return Encode(encoding, work.data(), static_cast<int32_t>(compressedLength), output,
+                  outputSize, wrap);
+  }
+  return Encode(encoding, static_cast<const uint8_t*>(input), inputLength, output, outputSize,
+                wrap);
+}
+
+int32_t DecodeBuffer(const char* text, void* output, int32_t outputSize, uint32_t flags) {
+  const uint32_t encoding = flags & kEncodingMask;
+  if (text == nullptr || output == nullptr || outputSize < 1 || encoding > kHighestEncoding) {
+    return -1;
+  }
+  const int32_t count = Decode(encoding, text, output, outputSize);
+  if (count < 1 || (flags & fileDecodeCompressed) == 0) return count;
+  // Decoding with the flag always expands, even text whose data did not
+  // shrink and so was encoded uncompressed: such text fails here and must
+  // be decoded without the flag. Callers have long relied on this.
+  WorkBuffer work(static_cast<uint32_t>(count));
+  if (work.data() == nullptr) return -1;
+  std::memcpy(work.data(), output, static_cast<size_t>(count));
+  uint32_t expandedLength = static_cast<uint32_t>(outputSize);
+  if (!InflateBuffer(work.data(), count, static_cast<uint8_t*>(output), &expandedLength)) {
+    return -1;
+  }
+  return static_cast<int32_t>(expandedLength);
+}
+
+}  // extern "C"

@@ -1,0 +1,128 @@
+// Quoted-printable: the data encoder and the chunked decoder.
+#include <array>
+#include <cstring>
+#include <string_view>
+
+#include "codecs/codec_internal.h"
+#include "codecs/hex_digits.h"
+#include "file_encoder.h"
+
+namespace {
+
+using namespace fe::codecs;
+
+// Printable characters that are escaped all the same; the one place to
+// change the set.
+constexpr std::string_view kAlwaysEscaped = "!\"#$@[\\]^`{|}=";
+
+constexpr auto kWrittenAsIs = [] {
+  std::array<bool, 256> table{};
+  for (int c = 32; c <= 126; ++c) table[c] = true;
+  for (char c : kAlwaysEscaped) table[static_cast<uint8_t>(c)] = false;
+  return table;
+}();
+
+enum DecodePhase : uint32_t { kText = 0, kAfterEquals, kAfterFirstDigit, kAfterLineEnd };
+
+}  // namespace
+
+namespace fe::codecs {
+
+int32_t QpEncodeInto(const uint8_t* input, int32_t length, char* output, int32_t capacity,
+                     bool wrap, int64_t bufferSize) {
+  if (int64_t{capacity} < int64_t{length} + length / 3) return -1;
+  if (length < 1) return 0;
+  if (input == nullptr || output == nullptr) return -1;
+  // The capacity is checked for the first character of each item only, so an
+  // escape may run past it; bufferSize is where the memory really ends.
+  int64_t remaining = capacity;
+  int64_t count = 0;
+  int column = 0;
+  for (int32_t i = 0; i < length && remaining >= 1; ++i) {
+    if (wrap && column > kLineLength) {
+      if (count + 3 > bufferSize) return -1;
+      std::memcpy(output + count, "=\r\n", 3);
+      count += 3;
+      remaining -= 3;
+      column = 0;
+    }
+    const uint8_t c = input[i];
+    // The encoder treats its input as binary: CR and LF are escaped like any
+    // control byte, and a blank is escaped only before a CR.
+    const bool blankBeforeCr = (c == ' ' || c == '\t') && i + 1 < length && input[i + 1] == '\r';
+    const int width = kWrittenAsIs[c] && !blankBeforeCr ? 1 : 3;
+    if (count + width > bufferSize) return -1;
+    if (width == 1) {
+      output[count] = static_cast<char>(c);
+    } else {
+      output[count] = '=';
+      PutHexByte(c, output + count + 1);
+    }
+    count += width;
+    column += width;
+    remaining -= width;
+  }
+  return static_cast<int32_t>(count);
+}
+
+}  // namespace fe::codecs
+
+extern "C" {
+
+int32_t QpEncode(const uint8_t* input, int32_t length, char* output, int32_t capacity, int wrap) {
+  return QpEncodeInto(input, length, output, capacity, wrap != 0, int64_t{capacity} + 2);
+}
+
+int32_t QpDecodeChunk(const char* text, int32_t length, uint8_t* output, int32_t capacity,
+                      QpDecodeState* state) {
+  if (text == nullptr || state == nullptr || (output == nullptr && capacity > 0)) return -1;
+  const auto* in = reinterpret_cast<const uint8_t*>(text);
+  const uint8_t* const end = in + (length > 0 ? length : 0);
+  int32_t count = 0;
+  while (in < end && count < capacity) {
+    if (state->phase == kText) {
+      // Copy the run up to the next '=' in one go.
+      const size_t room = static_cast<size_t>(std::min<int64_t>(end - in, capacity - count));
+      const void* equals = std::memchr(in, '=', room);
+      const size_t run = equals ? static_cast<const uint8_t*>(equals) - in : room;
+      std::memcpy(output + count, in, run);
+      count += static_cast<int32_t>(run);
+      in += run;
+      if (equals != nullptr) {
+        state->phase = kAfterEquals;
+        ++in;
+      }
+      continue;
+    }
+    const uint8_t c = *in++;
+    switch (state->phase) {
+      case kAfterEquals:
+        if (c == '\r' || c == '\n') {
+          state->phase = kAfterLineEnd;
+        } else if (kHexValue[c] == kNotHex) {
+          state->phase = kText;
+          return -1;
+        } else {
+          state->high = kHexValue[c];
+          state->phase = kAfterFirstDigit;
+        }
+        break;
+      case kAfterFirstDigit:
+        if (IsAsciiSpace(c)) break;  // "=4 1" reads as "=41"
+        state->phase = kText;
+        if (kHexValue[c] == kNotHex) return -1;
+        state->low = kHexValue[c];
+        output[count++] = static_cast<uint8_t>((state->high << 4) | state->low);
+        break;
+      default:
+        // One character after a soft line break is dropped whatever it is:
+        // the LF of "=" CR LF, or the first character of the next line after
+        // a bare "=" LF. Text written by earlier versions depends on this.
+        state->phase = kText;
+        break;
+    }
+  }
+  return count;
+}
+
+}  // extern "C"

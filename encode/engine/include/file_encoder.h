@@ -1,0 +1,171 @@
+/*
+ * FileEncoder engine: the public C interface.
+ *
+ * Every operation reports failure through its return value (0, -1 or a
+ * negative count, as documented below) and leaves a code in the calling
+ * thread's last-error slot: either a control code 0x80040000 | N with N from
+ * ErrorCodes, or a Windows system error number (87 invalid parameter,
+ * 122 insufficient buffer, 14 out of memory, 13 invalid data, ...). Read it
+ * with EngineGetLastError() right after the failing call.
+ */
+#ifndef FILE_ENCODER_H
+#define FILE_ENCODER_H
+
+#include <stdint.h>
+
+#if defined(FE_ENGINE_SHARED) && !defined(_WIN32)
+#define FE_API __attribute__((visibility("default")))
+#else
+#define FE_API
+#endif
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* The control's error numbers N; the code stored as last error is
+ * FE_CONTROL_ERROR(N) = 0x80040000 | N. */
+typedef enum ErrorCodes {
+#define FE_ERROR_MESSAGE(number, text)
+#define FE_ERROR_CODE(name, number, text) name = number,
+#include "error_codes.inc"
+#undef FE_ERROR_CODE
+#undef FE_ERROR_MESSAGE
+} ErrorCodes;
+
+#define FE_CONTROL_ERROR(n) (0x80040000u | (uint32_t)(n))
+
+/* Encoding numbers of EncodeBuffer and DecodeBuffer (bits 0-15 of flags)
+ * and the flag bits above them; one enumeration so that they combine freely. */
+enum EncoderDataConstants {
+  dataEncodeDefault = 0,
+  dataEncodeBase64 = 1,
+  dataEncodeQuoted = 2,
+  dataEncodeURL = 3,
+  dataEncodeUTF7 = 4,
+  dataEncodeUTF8 = 5,
+  dataEncodeBase58 = 6,
+  dataEncodeBase32 = 7,
+  dataEncodeBase85 = 8,
+  dataEncodeZ85 = 9,
+
+  dataDecodeDefault = 0,
+  dataDecodeBase64 = 1,
+  dataDecodeQuoted = 2,
+  dataDecodeURL = 3,
+  dataDecodeUTF7 = 4,
+  dataDecodeUTF8 = 5,
+  dataDecodeBase58 = 6,
+  dataDecodeBase32 = 7,
+  dataDecodeBase85 = 8,
+  dataDecodeZ85 = 9,
+
+  fileEncodeCompressed = 65536, /* compress before encoding */
+  fileDecodeCompressed = 65536, /* expand after decoding */
+  dataEncodeWrapLines = 131072  /* Base64 and Base32: 72-column CR LF lines */
+};
+
+/* ---- Last error and messages ---- */
+
+/* The calling thread's last-error code (the Win32 slot on Windows). */
+FE_API uint32_t EngineGetLastError(void);
+FE_API void EngineSetLastError(uint32_t code);
+
+/* Writes the message text of a code (a control code in its full form, or a
+ * system error number) into buffer, NUL-terminated and cut to size - 1
+ * characters; a code without text reads "Undefined control error (0x...)".
+ * Returns the length written, or -1 when buffer is null or size below 1. */
+FE_API int32_t FormatErrorMessage(uint32_t code, char* buffer, int32_t size);
+
+/* ---- Data encoding dispatch ---- */
+
+/* Encodes inputLength bytes (UTF-16 code units for UTF-7 and UTF-8) into
+ * output, NUL-terminated. Returns the number of characters, -1 on failure. */
+FE_API int32_t EncodeBuffer(const void* input, int32_t inputLength, char* output,
+                            int32_t outputSize, uint32_t flags);
+
+/* Decodes the NUL-terminated text into output (UTF-16 code units for UTF-7
+ * and UTF-8, outputSize counting code units). Returns the count produced,
+ * -1 on failure. The output is not NUL-terminated. */
+FE_API int32_t DecodeBuffer(const char* text, void* output, int32_t outputSize, uint32_t flags);
+
+/* ---- Base64 ---- */
+
+typedef struct Base64State {
+  uint32_t phase;    /* encoder: 0-3 in a group, 4 CR due, 5 LF due; decoder: sextets seen */
+  uint32_t column;   /* encoder: characters on the current line */
+  uint32_t saved[4]; /* bytes (encoder) or sextets (decoder) of the group in progress */
+} Base64State;
+
+/* Streaming encoder; zero the state before the first chunk. The chunk leaves
+ * the last character of its final group to Base64EncodeFinish, which writes
+ * at most 5 characters (padding, then CR LF when wrap is set) and no NUL. */
+FE_API int32_t Base64EncodeChunk(const uint8_t* input, int32_t length, char* output,
+                                 int32_t capacity, Base64State* state, int wrap);
+FE_API int32_t Base64EncodeFinish(Base64State* state, char* output, int wrap);
+FE_API int32_t Base64DecodeChunk(const char* text, int32_t length, uint8_t* output,
+                                 int32_t capacity, Base64State* state);
+
+/* One-shot pair without line breaks. */
+FE_API int32_t Base64Encode(const uint8_t* input, int32_t length, char* output,
+                            int32_t outputSize);
+FE_API int32_t Base64Decode(const char* text, uint8_t* output, int32_t outputSize);
+
+/* ---- Quoted-printable and URL ---- */
+
+typedef struct QpDecodeState {
+  uint32_t phase; /* 0 text, 1 after '=', 2 after '=' and a digit, 3 after '=' and a line end */
+  uint16_t high;
+  uint16_t low;
+} QpDecodeState;
+
+/* output must hold capacity + 2 bytes: the capacity check covers only the
+ * first character of an escape. Not NUL-terminated. */
+FE_API int32_t QpEncode(const uint8_t* input, int32_t length, char* output, int32_t capacity,
+                        int wrap);
+FE_API int32_t QpDecodeChunk(const char* text, int32_t length, uint8_t* output,
+                             int32_t capacity, QpDecodeState* state);
+
+/* length -1 means NUL-terminated; output must hold capacity + 1 bytes for the
+ * terminator. */
+FE_API int32_t UrlEncode(const uint8_t* input, int32_t length, char* output, int32_t capacity);
+FE_API int32_t UrlDecode(const char* text, int32_t length, uint8_t* output, int32_t capacity);
+
+/* ---- Base32, Base58, Base85, Z85 ---- */
+
+typedef struct Base32State {
+  uint64_t accumulator;
+  int32_t bits;
+  uint32_t column;
+} Base32State;
+
+FE_API int32_t Base32EncodeChunk(const uint8_t* input, int32_t length, char* output,
+                                 int32_t capacity, Base32State* state, int wrap);
+FE_API int32_t Base32EncodeFinish(Base32State* state, char* output, int32_t capacity, int wrap);
+FE_API int32_t Base32DecodeChunk(const char* text, int32_t length, uint8_t* output,
+                                 int32_t capacity, Base32State* state);
+
+FE_API int32_t Base58Encode(const uint8_t* input, int32_t length, char* output, int32_t capacity);
+FE_API int32_t Base58Decode(const char* text, uint8_t* output, int32_t capacity);
+
+FE_API int32_t Base85Encode(const uint8_t* input, int32_t length, char* output, int32_t capacity);
+FE_API int32_t Base85Decode(const char* text, int32_t length, uint8_t* output, int32_t capacity);
+
+FE_API int32_t Z85Encode(const uint8_t* input, int32_t length, char* output, int32_t capacity);
+FE_API int32_t Z85Decode(const char* text, uint8_t* output, int32_t capacity);
+
+/* ---- Data compression (zlib stream, level 9) ---- */
+
+/* With output: *length is the capacity on entry and the compressed length on
+ * return. With output null: *length receives the size the stream would have.
+ * Returns non-zero on success. Neither records a code of its own. */
+FE_API int DeflateBuffer(const uint8_t* input, int32_t inputLength, uint8_t* output,
+                         uint32_t* length);
+FE_API int InflateBuffer(const uint8_t* input, int32_t inputLength, uint8_t* output,
+                         uint32_t* length);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif /* FILE_ENCODER_H */

@@ -1,0 +1,43 @@
+// The one seam between the engine and the operating system. On Windows each
+// function is the Win32 call itself; on Linux it is the stand-in documented
+// beside its implementation under posix/.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace fe::platform {
+
+// Code pages the engine converts with itself.
+inline constexpr uint32_t kCodePageUtf7 = 65000;
+inline constexpr uint32_t kCodePageUtf8 = 65001;
+// MB_ERR_INVALID_CHARS: fail on an invalid sequence instead of replacing it.
+inline constexpr uint32_t kFailOnInvalidChars = 8;
+
+// The calling thread's last-error slot (SetLastError / GetLastError).
+void SetLastErrorCode(uint32_t code);
+uint32_t GetLastErrorCode();
+
+// Zero-filled heap block (LocalAlloc(LPTR)); null when memory is exhausted.
+void* AllocateZeroed(size_t size);
+void Release(void* block);
+
+// WideCharToMultiByte(codePage, flags, ..., no default character): converts
+// `length` UTF-16 units. outputSize 0 only measures. Returns the bytes
+// written (or needed), 0 on failure with the reason as last error.
+int WideToMultiByte(uint32_t codePage, uint32_t flags, const char16_t* text, int length,
+                    char* output, int outputSize);
+
+// MultiByteToWideChar(codePage, flags, ...): converts `length` bytes.
+// outputSize 0 only measures. Returns the units written (or needed), 0 on
+// failure with the reason as last error.
+int MultiByteToWide(uint32_t codePage, uint32_t flags, const char* text, int length,
+                    char16_t* output, int outputSize);
+
+// FormatMessage(from module | from system | ignore inserts, language
+// neutral): the text of a code from the engine module's message table, else
+// the system's. Writes at most size - 1 characters and a NUL; returns the
+// length, 0 when there is no text.
+int FormatMessageText(uint32_t code, char* buffer, int size);
+
+}  // namespace fe::platform

@@ -1,0 +1,203 @@
+// Cross-checks against independent implementations on the machine: Python's
+// standard library (and Debian's python3-base58) and coreutils' basenc.
+// They run natively only; where a tool is missing the test says so and is
+// skipped.
+#include <gtest/gtest.h>
+
+#include "test_support.h"
+
+#ifdef _WIN32
+
+TEST(CrossCheck, NeedsTheLinuxTools) {
+  GTEST_SKIP() << "cross-check cannot run here: the independent tools are Linux programs";
+}
+
+#else
+
+#include <unistd.h>
+
+#include <cstdio>
+#include <fstream>
+#include <string>
+
+namespace fe::test {
+namespace {
+
+constexpr const char* kPython = "/usr/bin/python3";
+
+// Runs `command` with the bytes of `input` in a file named by {in}; returns
+// what it wrote to standard output, or fails the test.
+bool RunTool(const std::string& command, const Bytes& input, Bytes& output) {
+  char path[] = "/tmp/fe_cross_check_XXXXXX";
+  const int fd = mkstemp(path);
+  if (fd < 0) return false;
+  close(fd);
+  std::ofstream(path, std::ios::binary).write(reinterpret_cast<const char*>(input.data()),
+                                              static_cast<std::streamsize>(input.size()));
+  std::string line = command;
+  for (size_t at; (at = line.find("{in}")) != std::string::npos;) line.replace(at, 4, path);
+  FILE* pipe = popen(line.c_str(), "r");
+  if (pipe == nullptr) return false;
+  output.clear();
+  char buffer[4096];
+  for (size_t n; (n = fread(buffer, 1, sizeof buffer, pipe)) > 0;) {
+    output.insert(output.end(), buffer, buffer + n);
+  }
+  const int status = pclose(pipe);
+  std::remove(path);
+  return status == 0;
+}
+
+bool HavePythonModule(const char* module) {
+  Bytes ignored;
+  return RunTool(std::string(kPython) + " -c 'import " + module + "' 2>/dev/null", {}, ignored);
+}
+
+Bytes Python(const std::string& expression, const Bytes& input) {
+  // `data` holds the input file's bytes; the expression's bytes are printed.
+  const std::string script = "import sys,base64,binascii,zlib,urllib.parse\n"
+                             "data=open(sys.argv[1],'rb').read()\n"
+                             "sys.stdout.buffer.write(" + expression + ")\n";
+  Bytes output;
+  EXPECT_TRUE(RunTool(std::string(kPython) + " -c \"" + script + "\" {in}", input, output))
+      << expression;
+  return output;
+}
+
+std::vector<Bytes> Samples() {
+  std::vector<Bytes> samples;
+  for (size_t size : {1u, 2u, 3u, 4u, 5u, 54u, 55u, 100u, 1000u, 4096u}) {
+    samples.push_back(RandomBytes(size, static_cast<uint32_t>(size)));
+  }
+  samples.push_back(Bytes(64, 0));
+  return samples;
+}
+
+TEST(CrossCheck, Base64AgainstPython) {
+  for (const Bytes& data : Samples()) {
+    EXPECT_EQ(Encode(data, dataEncodeBase64), ToString(Python("base64.b64encode(data)", data)));
+    const std::string wrapped = ToString(Python(
+        "b''.join(base64.b64encode(data)[i:i+72]+b'\\r\\n' for i in range(0,len(base64.b64encode(data)),72))",
+        data));
+    EXPECT_EQ(Encode(data, dataEncodeBase64 | dataEncodeWrapLines), wrapped);
+    EXPECT_EQ(Decode(ToString(Python("base64.encodebytes(data)", data)), dataDecodeBase64), data);
+  }
+}
+
+TEST(CrossCheck, Base32AgainstPython) {
+  for (const Bytes& data : Samples()) {
+    std::string ours = Encode(data, dataEncodeBase32);
+    ours.erase(ours.find_last_not_of('=') + 1);
+    EXPECT_EQ(ours, ToString(Python("base64.b32encode(data).rstrip(b'=')", data)));
+    EXPECT_EQ(Decode(ToString(Python("base64.b32encode(data)", data)), dataDecodeBase32), data);
+    EXPECT_EQ(Decode(ToString(Python("base64.b32encode(data).lower()", data)), dataDecodeBase32), data);
+  }
+}
+
+TEST(CrossCheck, QuotedPrintableAgainstPython) {
+  for (const Bytes& data : Samples()) {
+    for (uint32_t wrap : {0u, static_cast<uint32_t>(dataEncodeWrapLines)}) {
+      const std::string ours = Encode(data, dataEncodeQuoted | wrap);
+      EXPECT_EQ(Python("binascii.a2b_qp(data)", ToBytes(ours)), data);
+    }
+    const Bytes theirs = Python("binascii.b2a_qp(data, quotetabs=True)", data);
+    if (std::find(theirs.begin(), theirs.end(), '\n') == theirs.end()) {
+      EXPECT_EQ(Decode(ToString(theirs), dataDecodeQuoted), data);
+    }
+  }
+}
+
+TEST(CrossCheck, UrlAgainstPython) {
+  for (const Bytes& data : Samples()) {
+    const std::string ours = Encode(data, dataEncodeURL);
+    EXPECT_EQ(Python("urllib.parse.unquote_to_bytes(data)", ToBytes(ours)), data);
+    EXPECT_EQ(ToString(Python("urllib.parse.quote_from_bytes(data, safe='~').replace('-','%2D')"
+                              ".replace('.','%2E').replace('_','%5F').encode()",
+                              data)),
+              ours);
+    EXPECT_EQ(Decode(ToString(Python("urllib.parse.quote_from_bytes(data).encode()", data)),
+                     dataDecodeURL),
+              data);
+  }
+}
+
+TEST(CrossCheck, Base58AgainstPythonBase58) {
+  if (!HavePythonModule("base58")) GTEST_SKIP() << "cross-check cannot run: python3-base58 missing";
+  for (const Bytes& data : Samples()) {
+    const Bytes theirs = Python("__import__('base58').b58encode(data)", data);
+    EXPECT_EQ(Encode(data, dataEncodeBase58), ToString(theirs));
+    EXPECT_EQ(Decode(ToString(theirs), dataDecodeBase58), data);
+  }
+}
+
+TEST(CrossCheck, Base85AgainstPythonAscii85) {
+  for (const Bytes& data : Samples()) {
+    const Bytes theirs = Python("base64.a85encode(data)", data);
+    EXPECT_EQ(Encode(data, dataEncodeBase85), ToString(theirs));
+    EXPECT_EQ(Decode(ToString(Python("base64.a85encode(data, wrapcol=20)", data)), dataDecodeBase85),
+              data);
+    EXPECT_EQ(Python("base64.a85decode(data)", ToBytes(Encode(data, dataEncodeBase85))), data);
+  }
+}
+
+TEST(CrossCheck, BasencAgreesOnBase64Base32AndZ85) {
+  Bytes probe;
+  if (!RunTool("basenc --z85 </dev/null", {}, probe)) {
+    GTEST_SKIP() << "cross-check cannot run: coreutils basenc missing";
+  }
+  for (const Bytes& data : Samples()) {
+    Bytes theirs;
+    ASSERT_TRUE(RunTool("basenc --base64 -w0 {in}", data, theirs));
+    EXPECT_EQ(Encode(data, dataEncodeBase64), ToString(theirs));
+    ASSERT_TRUE(RunTool("basenc --base32 -w0 {in}", data, theirs));
+    EXPECT_EQ(Decode(ToString(theirs), dataDecodeBase32), data);
+    if (data.size() % 4 == 0) {
+      ASSERT_TRUE(RunTool("basenc --z85 -w0 {in}", data, theirs));
+      EXPECT_EQ(Encode(data, dataEncodeZ85), ToString(theirs));
+      EXPECT_EQ(Decode(ToString(theirs), dataDecodeZ85), data);
+    }
+  }
+}
+
+TEST(CrossCheck, ZlibAgainstPython) {
+  for (const Bytes& data : Samples()) {
+    uint32_t length = static_cast<uint32_t>(data.size() * 2 + 64);
+    Bytes ours(length);
+    ASSERT_TRUE(DeflateBuffer(data.data(), static_cast<int32_t>(data.size()), ours.data(), &length));
+    ours.resize(length);
+    EXPECT_EQ(Python("zlib.decompress(data)", ours), data);
+    const Bytes theirs = Python("zlib.compress(data, 9)", data);
+    Bytes back(data.size());
+    uint32_t backLength = static_cast<uint32_t>(back.size());
+    ASSERT_TRUE(InflateBuffer(theirs.data(), static_cast<int32_t>(theirs.size()), back.data(), &backLength));
+    EXPECT_EQ(back, data);
+  }
+}
+
+TEST(CrossCheck, Utf7AndUtf8AgainstPython) {
+  const std::u16string text = u"Hi Mom -\u263a-! A\u2262\u0391. \u65e5\u672c\u8a9e +1 ~x \U0001F600";
+  const Bytes utf16(reinterpret_cast<const uint8_t*>(text.data()),
+                    reinterpret_cast<const uint8_t*>(text.data() + text.size()));
+  for (auto [encoding, codec] : {std::pair{uint32_t{dataEncodeUTF7}, "utf-7"},
+                                 std::pair{uint32_t{dataEncodeUTF8}, "utf-8"}}) {
+    std::vector<char> ours(512);
+    const int32_t n = EncodeBuffer(text.data(), static_cast<int32_t>(text.size()), ours.data(), 512,
+                                   encoding);
+    ASSERT_GT(n, 0);
+    const Bytes decodedByPython = Python(
+        std::string("data.decode('") + codec + "').encode('utf-16-le')",
+        Bytes(ours.begin(), ours.begin() + n));
+    EXPECT_EQ(decodedByPython, utf16) << codec;
+    const Bytes theirs = Python(std::string("data.decode('utf-16-le').encode('") + codec + "')", utf16);
+    std::u16string back(256, u'\0');
+    const int32_t m = DecodeBuffer(ToString(theirs).c_str(), back.data(), 256, encoding);
+    ASSERT_EQ(m, static_cast<int32_t>(text.size()) + 1) << codec;
+    back.resize(text.size());
+    EXPECT_EQ(back, text) << codec;
+  }
+}
+
+}  // namespace
+}  // namespace fe::test
+
+#endif  // _WIN32
