@@ -1,6 +1,6 @@
 # Shared part of the mingw-w64 toolchain files; FE_MINGW_TRIPLE names the target.
-set(CMAKE_C_COMPILER ${FE_MINGW_TRIPLE}-gcc-win32)
-set(CMAKE_CXX_COMPILER ${FE_MINGW_TRIPLE}-g++-win32)
+set(CMAKE_C_COMPILER ${FE_MINGW_TRIPLE}-gcc-posix)
+set(CMAKE_CXX_COMPILER ${FE_MINGW_TRIPLE}-g++-posix)
 set(CMAKE_RC_COMPILER ${FE_MINGW_TRIPLE}-windres)
 set(CMAKE_MC_COMPILER ${FE_MINGW_TRIPLE}-windmc)
 set(CMAKE_FIND_ROOT_PATH /usr/${FE_MINGW_TRIPLE})

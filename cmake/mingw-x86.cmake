@@ -1,4 +1,4 @@
-# Cross-compiling for 32-bit Windows with Debian's mingw-w64 (win32 threads).
+# Cross-compiling for 32-bit Windows with Debian's mingw-w64 (posix threads, linked statically).
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR i686)
 set(FE_MINGW_TRIPLE i686-w64-mingw32)
