@@ -1,0 +1,56 @@
+# FileEncoder: one command builds and tests everything (see README.md).
+#   make test        install what is missing, build every configuration, run every suite
+#   make demo        the example program
+#   make bench       throughput of the codecs (not part of make test)
+#   make fuzz-smoke  each fuzz target for 30 s
+BUILD ?= build
+JOBS ?= 2
+FUZZ_SECONDS ?= 30
+ROOT := $(CURDIR)
+WINE_RUN := $(ROOT)/scripts/wine-run.sh
+CMAKE := cmake -G Ninja -Wno-dev
+
+.PHONY: test demo bench fuzz-smoke bootstrap native asan win64 win32 fuzz clean
+
+test: native asan win64 win32 fuzz
+	@scripts/run-suites.sh $(BUILD) 3
+
+demo: native
+	@$(BUILD)/native/examples/encode_demo
+
+bench: bootstrap
+	@$(CMAKE) -S . -B $(BUILD)/bench -DCMAKE_BUILD_TYPE=Release -DFE_BENCH=ON >/dev/null
+	@cmake --build $(BUILD)/bench -j$(JOBS) --target codec_bench
+	@$(BUILD)/bench/bench/codec_bench --benchmark_counters_tabular=true
+
+fuzz-smoke: fuzz
+	@scripts/run-suites.sh $(BUILD) $(FUZZ_SECONDS) fuzz
+
+bootstrap:
+	@if [ "$$(id -u)" = 0 ]; then scripts/bootstrap.sh; \
+	else echo "bootstrap: not root, assuming the packages of scripts/bootstrap.sh are installed"; fi
+
+native: bootstrap
+	@$(CMAKE) -S . -B $(BUILD)/native -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
+	@cmake --build $(BUILD)/native -j$(JOBS)
+
+asan: bootstrap
+	@$(CMAKE) -S . -B $(BUILD)/asan -DCMAKE_BUILD_TYPE=Debug -DFE_SANITIZE=ON >/dev/null
+	@cmake --build $(BUILD)/asan -j$(JOBS)
+
+win64 win32: bootstrap
+	@arch=$(if $(filter win64,$@),x64,x86); \
+	scripts/build-windows-deps.sh $$arch $(BUILD)/deps/$$arch && \
+	$(CMAKE) -S . -B $(BUILD)/$@ -DCMAKE_BUILD_TYPE=RelWithDebInfo \
+	  -DCMAKE_TOOLCHAIN_FILE=$(ROOT)/cmake/mingw-$$arch.cmake \
+	  -DFE_WINDOWS_DEPS=$(ROOT)/$(BUILD)/deps/$$arch \
+	  -DCMAKE_CROSSCOMPILING_EMULATOR=$(WINE_RUN) >/dev/null && \
+	cmake --build $(BUILD)/$@ -j$(JOBS)
+
+fuzz: bootstrap
+	@$(CMAKE) -S . -B $(BUILD)/fuzz -DCMAKE_BUILD_TYPE=RelWithDebInfo -DFE_FUZZ=ON \
+	  -DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++ >/dev/null
+	@cmake --build $(BUILD)/fuzz -j$(JOBS)
+
+clean:
+	rm -rf $(BUILD)

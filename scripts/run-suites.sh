@@ -1,0 +1,62 @@
+#!/usr/bin/env bash
+# Runs the test suites of the configurations built under <build> and prints
+# one summary: each suite's counts, then "Summary: N passed, N failed".
+#   run-suites.sh <build> <fuzz seconds per target> [fuzz]
+# With "fuzz" only the fuzz targets run.
+set -uo pipefail
+build=$1
+fuzz_seconds=$2
+only=${3:-all}
+logs=$build/test-logs
+mkdir -p "$logs"
+passed=0 failed=0 skipped=0
+lines=()
+
+count() { grep -oE "^\[  $1  \] [0-9]+ tests?" "$2" | grep -oE '[0-9]+' | head -n 1; }
+
+# A GoogleTest suite through CTest; its counts come from the test output.
+run_gtest_suite() {
+  local name=$1 dir=$2 log=$logs/$1.log
+  ctest --test-dir "$dir" -V --timeout 900 >"$log" 2>&1
+  local status=$?
+  local p f s
+  p=$(count PASSED "$log"); f=$(count FAILED "$log"); s=$(count SKIPPED "$log")
+  p=${p:-0} f=${f:-0} s=${s:-0}
+  if [ "$status" -ne 0 ] && [ "$f" -eq 0 ]; then f=1; fi  # crashed or never ran
+  if [ "$p" -eq 0 ] && [ "$f" -eq 0 ]; then f=1; fi
+  passed=$((passed + p)) failed=$((failed + f)) skipped=$((skipped + s))
+  lines+=("$(printf '%-22s %5d passed %3d failed %3d skipped   (%s)' "$name" "$p" "$f" "$s" "$log")")
+}
+
+# Each fuzz target for a few seconds: passes when it finds nothing.
+run_fuzz_targets() {
+  local target name log
+  for target in "$build"/fuzz/tests/fuzz/*_fuzz; do
+    name=$(basename "$target")
+    log=$logs/$name.log
+    if (cd "$logs" && "$target" -max_total_time="$fuzz_seconds" -print_final_stats=1) >"$log" 2>&1; then
+      passed=$((passed + 1))
+      lines+=("$(printf '%-22s    ok  %s' "$name" "$(grep -oE 'Done [0-9]+ runs' "$log")")")
+    else
+      failed=$((failed + 1))
+      lines+=("$(printf '%-22s FAILED (%s)' "$name" "$log")")
+    fi
+  done
+}
+
+if [ "$only" = all ]; then
+  run_gtest_suite engine-native "$build/native"
+  run_gtest_suite engine-asan "$build/asan"
+  run_gtest_suite engine-wine-x64 "$build/win64"
+  if [ -f "$build/win32/tests/engine/engine_tests.exe" ]; then
+    lines+=("$(printf '%-22s built (no 32-bit Wine on this machine to run it)' engine-x86)")
+  else
+    failed=$((failed + 1)); lines+=("engine-x86: not built")
+  fi
+fi
+run_fuzz_targets
+
+echo
+printf '%s\n' "${lines[@]}"
+echo "Summary: $passed passed, $failed failed, $skipped skipped"
+[ "$failed" -eq 0 ]
