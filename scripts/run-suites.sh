@@ -4,7 +4,7 @@
 #   run-suites.sh <build> <fuzz seconds per target> [fuzz]
 # With "fuzz" only the fuzz targets run.
 set -uo pipefail
-build=$1
+build=$(realpath "$1")
 fuzz_seconds=$2
 only=${3:-all}
 logs=$build/test-logs
@@ -12,7 +12,8 @@ mkdir -p "$logs"
 passed=0 failed=0 skipped=0
 lines=()
 
-count() { grep -oE "^\[  $1  \] [0-9]+ tests?" "$2" | grep -oE '[0-9]+' | head -n 1; }
+# CTest prefixes each line of a test's output with its number, "1: ".
+count() { grep -oE "^([0-9]+: )?\[ +$1 +\] [0-9]+ tests?" "$2" | grep -oE '[0-9]+ test' | grep -oE '[0-9]+' | head -n 1; }
 
 # A GoogleTest suite through CTest; its counts come from the test output.
 run_gtest_suite() {
