@@ -16,7 +16,8 @@ constexpr size_t kMiB = 1 << 20;
 std::vector<uint8_t> RandomBytes(size_t size) {
   std::mt19937_64 generator(42);
   std::vector<uint8_t> bytes(size);
-  for (auto& b : bytes) b = static_cast<uint8_t>(generator());
+  for (auto& b : bytes)
+    b = static_cast<uint8_t>(generator());
   return bytes;
 }
 
@@ -27,7 +28,10 @@ std::u16string SampleText(size_t bytes) {
   std::u16string text;
   while (text.size() * 2 < bytes) {
     const uint32_t r = generator() % 100;
-    text += r < 80 ? static_cast<char16_t>('a' + r % 26) : r < 90 ? u' ' : r < 96 ? u'\u00e9' : u'\u65e5';
+    text += r < 80   ? static_cast<char16_t>('a' + r % 26)
+            : r < 90 ? u' '
+            : r < 96 ? u'\u00e9'
+                     : u'\u65e5';
   }
   return text;
 }
@@ -96,9 +100,11 @@ void RegisterAll() {
       if (iterations) b->Iterations(iterations);
     }
   }
-  benchmark::RegisterBenchmark("Encode/Base64/64MiB", EncodeBench, uint32_t{dataEncodeBase64}, 64 * kMiB)
+  benchmark::RegisterBenchmark("Encode/Base64/64MiB", EncodeBench, uint32_t{dataEncodeBase64},
+                               64 * kMiB)
       ->Unit(benchmark::kMillisecond);
-  benchmark::RegisterBenchmark("Decode/Base64/64MiB", DecodeBench, uint32_t{dataEncodeBase64}, 64 * kMiB)
+  benchmark::RegisterBenchmark("Decode/Base64/64MiB", DecodeBench, uint32_t{dataEncodeBase64},
+                               64 * kMiB)
       ->Unit(benchmark::kMillisecond);
 }
 

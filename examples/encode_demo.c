@@ -5,8 +5,8 @@
 
 #include "file_encoder.h"
 
-static const char* const kNames[] = {"Default", "Base64", "Quoted-printable", "URL", "UTF-7",
-                                     "UTF-8", "Base58", "Base32", "Base85", "Z85"};
+static const char* const kNames[] = {"Default", "Base64", "Quoted-printable", "URL",    "UTF-7",
+                                     "UTF-8",   "Base58", "Base32",           "Base85", "Z85"};
 
 int main(void) {
   const char* sample = "Hello, World! 1+1=2 ~ caf\xc3\xa9";
@@ -23,7 +23,8 @@ int main(void) {
     char padded[64];
     int32_t length = (int32_t)strlen(sample);
     memcpy(padded, sample, (size_t)length);
-    while (encoding == dataEncodeZ85 && length % 4 != 0) padded[length++] = ' ';
+    while (encoding == dataEncodeZ85 && length % 4 != 0)
+      padded[length++] = ' ';
 
     const int32_t n = unicode ? EncodeBuffer(wide, wideLength, text, sizeof text, encoding)
                               : EncodeBuffer(padded, length, text, sizeof text, encoding);
@@ -42,7 +43,8 @@ int main(void) {
     }
     const int same = m == (unicode ? (int32_t)strlen(sample) : length) &&
                      memcmp(back, unicode ? sample : padded, (size_t)m) == 0;
-    printf("%-17s %s\n%-17s %s\n", kNames[encoding], text, same ? "  decodes back" : "  MISMATCH", same ? "ok" : "");
+    printf("%-17s %s\n%-17s %s\n", kNames[encoding], text, same ? "  decodes back" : "  MISMATCH",
+           same ? "ok" : "");
     failures += !same;
   }
   return failures == 0 ? 0 : 1;

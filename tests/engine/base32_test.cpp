@@ -30,15 +30,20 @@ std::string PlainBase32(const Bytes& input, bool wrap) {
   }
   if (bits > 0) {
     put(alphabet[(acc << (5 - bits)) & 31]);
-    for (int k = 0; k < 7; ++k) put('=');
+    for (int k = 0; k < 7; ++k)
+      put('=');
   }
   if (wrap && column > 0) out += "\r\n";
   return out;
 }
 
-TEST(Base32, OneByteGetsSevenEquals) { EXPECT_EQ(Encode(Bytes{0x66}, dataEncodeBase32), "MY======="); }
+TEST(Base32, OneByteGetsSevenEquals) {
+  EXPECT_EQ(Encode(Bytes{0x66}, dataEncodeBase32), "MY=======");
+}
 
-TEST(Base32, FiveBytesHaveNoPadding) { EXPECT_EQ(Encode("fooba", dataEncodeBase32), "MZXW6YTB"); }
+TEST(Base32, FiveBytesHaveNoPadding) {
+  EXPECT_EQ(Encode("fooba", dataEncodeBase32), "MZXW6YTB");
+}
 
 TEST(Base32, PartialGroupsAlwaysGetSevenEquals) {
   EXPECT_EQ(Encode("fo", dataEncodeBase32), "MZXQ=======");

@@ -9,7 +9,8 @@ namespace {
 std::string PlainBase58(const Bytes& input) {
   static const char alphabet[] = "123456789ABCDEFGHJKLMNPQRSTUVWXYZabcdefghijkmnopqrstuvwxyz";
   size_t zeros = 0;
-  while (zeros < input.size() && input[zeros] == 0) ++zeros;
+  while (zeros < input.size() && input[zeros] == 0)
+    ++zeros;
   std::vector<uint8_t> digits;  // least significant first
   for (size_t i = zeros; i < input.size(); ++i) {
     int carry = input[i];
@@ -24,11 +25,14 @@ std::string PlainBase58(const Bytes& input) {
     }
   }
   std::string out(zeros, '1');
-  for (auto it = digits.rbegin(); it != digits.rend(); ++it) out += alphabet[*it];
+  for (auto it = digits.rbegin(); it != digits.rend(); ++it)
+    out += alphabet[*it];
   return out;
 }
 
-TEST(Base58, LeadingZerosBecomeOnes) { EXPECT_EQ(Encode(Bytes{0, 0, 1}, dataEncodeBase58), "112"); }
+TEST(Base58, LeadingZerosBecomeOnes) {
+  EXPECT_EQ(Encode(Bytes{0, 0, 1}, dataEncodeBase58), "112");
+}
 
 TEST(Base58, EmptyInputEncodesToEmptyString) {
   char out[4] = {'x'};

@@ -131,7 +131,9 @@ TEST(Base64, ChunkStopsAtCapacityAndDropsTheRest) {
   EXPECT_EQ(state.saved[1], input[58]);
 }
 
-TEST(Base64, DecodesAGroup) { EXPECT_EQ(ToString(Decode("TWFu", dataDecodeBase64)), "Man"); }
+TEST(Base64, DecodesAGroup) {
+  EXPECT_EQ(ToString(Decode("TWFu", dataDecodeBase64)), "Man");
+}
 
 TEST(Base64, DecodingSkipsWhiteSpace) {
   EXPECT_EQ(ToString(Decode("TW Fu", dataDecodeBase64)), "Man");
@@ -187,11 +189,14 @@ TEST(Base64, EncoderMatchesPlainStateMachine) {
     std::string fastOut, plainOut;
     int32_t offset = 0;
     while (offset < length) {
-      const int32_t piece = std::min<int32_t>(length - offset, 1 + static_cast<int32_t>(random() % 90));
+      const int32_t piece =
+          std::min<int32_t>(length - offset, 1 + static_cast<int32_t>(random() % 90));
       const int32_t capacity = piece + piece / 3 + static_cast<int32_t>(random() % 8);
       std::vector<char> a(static_cast<size_t>(capacity)), b(static_cast<size_t>(capacity));
-      const int32_t na = Base64EncodeChunk(input.data() + offset, piece, a.data(), capacity, &fast, wrap);
-      const int32_t nb = reference::Base64EncodeChunk(input.data() + offset, piece, b.data(), capacity, &plain, wrap);
+      const int32_t na =
+          Base64EncodeChunk(input.data() + offset, piece, a.data(), capacity, &fast, wrap);
+      const int32_t nb = reference::Base64EncodeChunk(input.data() + offset, piece, b.data(),
+                                                      capacity, &plain, wrap);
       ASSERT_EQ(na, nb);
       fastOut.append(a.data(), static_cast<size_t>(na));
       plainOut.append(b.data(), static_cast<size_t>(nb));
@@ -203,7 +208,8 @@ TEST(Base64, EncoderMatchesPlainStateMachine) {
     char tailA[8], tailB[8];
     const int32_t ta = Base64EncodeFinish(&fast, tailA, wrap);
     const int32_t tb = Base64EncodeFinish(&plain, tailB, wrap);
-    ASSERT_EQ(std::string(tailA, static_cast<size_t>(ta)), std::string(tailB, static_cast<size_t>(tb)));
+    ASSERT_EQ(std::string(tailA, static_cast<size_t>(ta)),
+              std::string(tailB, static_cast<size_t>(tb)));
   }
 }
 
@@ -211,7 +217,8 @@ TEST(Base64, DecoderMatchesPlainStateMachine) {
   std::mt19937 random(9);
   const std::string noise = "AZaz09+/= \r\n!-_\x80";
   for (int round = 0; round < 400; ++round) {
-    std::string text = Encode(RandomBytes(random() % 300, static_cast<uint32_t>(round)), dataEncodeBase64 | (round % 2 ? dataEncodeWrapLines : 0));
+    std::string text = Encode(RandomBytes(random() % 300, static_cast<uint32_t>(round)),
+                              dataEncodeBase64 | (round % 2 ? dataEncodeWrapLines : 0));
     for (int k = static_cast<int>(random() % 4); k > 0 && !text.empty(); --k) {
       text[random() % text.size()] = noise[random() % noise.size()];
     }
@@ -220,7 +227,8 @@ TEST(Base64, DecoderMatchesPlainStateMachine) {
     Bytes a(static_cast<size_t>(capacity) + 1), b(static_cast<size_t>(capacity) + 1);
     const auto length = static_cast<int32_t>(text.size());
     const int32_t na = Base64DecodeChunk(text.data(), length, a.data(), capacity, &fast);
-    const int32_t nb = reference::Base64DecodeChunk(text.data(), length, b.data(), capacity, &plain);
+    const int32_t nb =
+        reference::Base64DecodeChunk(text.data(), length, b.data(), capacity, &plain);
     ASSERT_EQ(na, nb) << text;
     if (na > 0) {
       ASSERT_EQ(Bytes(a.begin(), a.begin() + na), Bytes(b.begin(), b.begin() + nb));
@@ -284,8 +292,9 @@ TEST(Base64OneShot, RoundTrips) {
   for (size_t length = 0; length < 300; ++length) {
     const Bytes input = RandomBytes(length, static_cast<uint32_t>(length));
     std::vector<char> text(length * 2 + 16);
-    const int32_t n = Base64Encode(length ? input.data() : reinterpret_cast<const uint8_t*>(""), static_cast<int32_t>(length), text.data(),
-                                   static_cast<int32_t>(text.size()));
+    const int32_t n =
+        Base64Encode(length ? input.data() : reinterpret_cast<const uint8_t*>(""),
+                     static_cast<int32_t>(length), text.data(), static_cast<int32_t>(text.size()));
     ASSERT_EQ(n, static_cast<int32_t>((length + 2) / 3 * 4));
     Bytes back(length + 8);
     const int32_t m = Base64Decode(text.data(), back.data(), static_cast<int32_t>(back.size()));

@@ -5,7 +5,9 @@
 namespace fe::test {
 namespace {
 
-TEST(Base85, FourZeroBytesAreZ) { EXPECT_EQ(Encode(Bytes{0, 0, 0, 0}, dataEncodeBase85), "z"); }
+TEST(Base85, FourZeroBytesAreZ) {
+  EXPECT_EQ(Encode(Bytes{0, 0, 0, 0}, dataEncodeBase85), "z");
+}
 
 TEST(Base85, NonZeroGroupIsFiveCharacters) {
   EXPECT_EQ(Encode(Bytes{0, 0, 0, 1}, dataEncodeBase85), "!!!!\"");

@@ -32,10 +32,12 @@ bool RunTool(const std::string& command, const Bytes& input, Bytes& output) {
   const int fd = mkstemp(path);
   if (fd < 0) return false;
   close(fd);
-  std::ofstream(path, std::ios::binary).write(reinterpret_cast<const char*>(input.data()),
-                                              static_cast<std::streamsize>(input.size()));
+  std::ofstream(path, std::ios::binary)
+      .write(reinterpret_cast<const char*>(input.data()),
+             static_cast<std::streamsize>(input.size()));
   std::string line = command;
-  for (size_t at; (at = line.find("{in}")) != std::string::npos;) line.replace(at, 4, path);
+  for (size_t at; (at = line.find("{in}")) != std::string::npos;)
+    line.replace(at, 4, path);
   FILE* pipe = popen(line.c_str(), "r");
   if (pipe == nullptr) return false;
   output.clear();
@@ -55,9 +57,11 @@ bool HavePythonModule(const char* module) {
 
 Bytes Python(const std::string& expression, const Bytes& input) {
   // `data` holds the input file's bytes; the expression's bytes are printed.
-  const std::string script = "import sys,base64,binascii,zlib,urllib.parse\n"
-                             "data=open(sys.argv[1],'rb').read()\n"
-                             "sys.stdout.buffer.write(" + expression + ")\n";
+  const std::string script =
+      "import sys,base64,binascii,zlib,urllib.parse\n"
+      "data=open(sys.argv[1],'rb').read()\n"
+      "sys.stdout.buffer.write(" +
+      expression + ")\n";
   Bytes output;
   EXPECT_TRUE(RunTool(std::string(kPython) + " -c \"" + script + "\" {in}", input, output))
       << expression;
@@ -76,9 +80,10 @@ std::vector<Bytes> Samples() {
 TEST(CrossCheck, Base64AgainstPython) {
   for (const Bytes& data : Samples()) {
     EXPECT_EQ(Encode(data, dataEncodeBase64), ToString(Python("base64.b64encode(data)", data)));
-    const std::string wrapped = ToString(Python(
-        "b''.join(base64.b64encode(data)[i:i+72]+b'\\r\\n' for i in range(0,len(base64.b64encode(data)),72))",
-        data));
+    const std::string wrapped =
+        ToString(Python("b''.join(base64.b64encode(data)[i:i+72]+b'\\r\\n' for i in "
+                        "range(0,len(base64.b64encode(data)),72))",
+                        data));
     EXPECT_EQ(Encode(data, dataEncodeBase64 | dataEncodeWrapLines), wrapped);
     EXPECT_EQ(Decode(ToString(Python("base64.encodebytes(data)", data)), dataDecodeBase64), data);
   }
@@ -90,7 +95,8 @@ TEST(CrossCheck, Base32AgainstPython) {
     ours.erase(ours.find_last_not_of('=') + 1);
     EXPECT_EQ(ours, ToString(Python("base64.b32encode(data).rstrip(b'=')", data)));
     EXPECT_EQ(Decode(ToString(Python("base64.b32encode(data)", data)), dataDecodeBase32), data);
-    EXPECT_EQ(Decode(ToString(Python("base64.b32encode(data).lower()", data)), dataDecodeBase32), data);
+    EXPECT_EQ(Decode(ToString(Python("base64.b32encode(data).lower()", data)), dataDecodeBase32),
+              data);
   }
 }
 
@@ -134,8 +140,9 @@ TEST(CrossCheck, Base85AgainstPythonAscii85) {
   for (const Bytes& data : Samples()) {
     const Bytes theirs = Python("base64.a85encode(data)", data);
     EXPECT_EQ(Encode(data, dataEncodeBase85), ToString(theirs));
-    EXPECT_EQ(Decode(ToString(Python("base64.a85encode(data, wrapcol=20)", data)), dataDecodeBase85),
-              data);
+    EXPECT_EQ(
+        Decode(ToString(Python("base64.a85encode(data, wrapcol=20)", data)), dataDecodeBase85),
+        data);
     EXPECT_EQ(Python("base64.a85decode(data)", ToBytes(Encode(data, dataEncodeBase85))), data);
   }
 }
@@ -163,32 +170,36 @@ TEST(CrossCheck, ZlibAgainstPython) {
   for (const Bytes& data : Samples()) {
     uint32_t length = static_cast<uint32_t>(data.size() * 2 + 64);
     Bytes ours(length);
-    ASSERT_TRUE(DeflateBuffer(data.data(), static_cast<int32_t>(data.size()), ours.data(), &length));
+    ASSERT_TRUE(
+        DeflateBuffer(data.data(), static_cast<int32_t>(data.size()), ours.data(), &length));
     ours.resize(length);
     EXPECT_EQ(Python("zlib.decompress(data)", ours), data);
     const Bytes theirs = Python("zlib.compress(data, 9)", data);
     Bytes back(data.size());
     uint32_t backLength = static_cast<uint32_t>(back.size());
-    ASSERT_TRUE(InflateBuffer(theirs.data(), static_cast<int32_t>(theirs.size()), back.data(), &backLength));
+    ASSERT_TRUE(InflateBuffer(theirs.data(), static_cast<int32_t>(theirs.size()), back.data(),
+                              &backLength));
     EXPECT_EQ(back, data);
   }
 }
 
 TEST(CrossCheck, Utf7AndUtf8AgainstPython) {
-  const std::u16string text = u"Hi Mom -\u263a-! A\u2262\u0391. \u65e5\u672c\u8a9e +1 ~x \U0001F600";
+  const std::u16string text =
+      u"Hi Mom -\u263a-! A\u2262\u0391. \u65e5\u672c\u8a9e +1 ~x \U0001F600";
   const Bytes utf16(reinterpret_cast<const uint8_t*>(text.data()),
                     reinterpret_cast<const uint8_t*>(text.data() + text.size()));
   for (auto [encoding, codec] : {std::pair{uint32_t{dataEncodeUTF7}, "utf-7"},
                                  std::pair{uint32_t{dataEncodeUTF8}, "utf-8"}}) {
     std::vector<char> ours(512);
-    const int32_t n = EncodeBuffer(text.data(), static_cast<int32_t>(text.size()), ours.data(), 512,
-                                   encoding);
+    const int32_t n =
+        EncodeBuffer(text.data(), static_cast<int32_t>(text.size()), ours.data(), 512, encoding);
     ASSERT_GT(n, 0);
-    const Bytes decodedByPython = Python(
-        std::string("data.decode('") + codec + "').encode('utf-16-le')",
-        Bytes(ours.begin(), ours.begin() + n));
+    const Bytes decodedByPython =
+        Python(std::string("data.decode('") + codec + "').encode('utf-16-le')",
+               Bytes(ours.begin(), ours.begin() + n));
     EXPECT_EQ(decodedByPython, utf16) << codec;
-    const Bytes theirs = Python(std::string("data.decode('utf-16-le').encode('") + codec + "')", utf16);
+    const Bytes theirs =
+        Python(std::string("data.decode('utf-16-le').encode('") + codec + "')", utf16);
     std::u16string back(256, u'\0');
     const int32_t m = DecodeBuffer(ToString(theirs).c_str(), back.data(), 256, encoding);
     ASSERT_EQ(m, static_cast<int32_t>(text.size()) + 1) << codec;

@@ -7,7 +7,8 @@ namespace {
 
 Bytes Compressible(size_t size) {
   Bytes data(size);
-  for (size_t i = 0; i < size; ++i) data[i] = static_cast<uint8_t>("FileEncoder "[i % 12]);
+  for (size_t i = 0; i < size; ++i)
+    data[i] = static_cast<uint8_t>("FileEncoder "[i % 12]);
   return data;
 }
 
@@ -39,7 +40,8 @@ TEST(DataCompression, ExpandRestoresTheInput) {
     const Bytes stream = Deflate(input);
     uint32_t length = static_cast<uint32_t>(size);
     Bytes out(size);
-    EXPECT_TRUE(InflateBuffer(stream.data(), static_cast<int32_t>(stream.size()), out.data(), &length));
+    EXPECT_TRUE(
+        InflateBuffer(stream.data(), static_cast<int32_t>(stream.size()), out.data(), &length));
     EXPECT_EQ(length, size);
     EXPECT_EQ(out, input);
   }
@@ -60,7 +62,8 @@ TEST(DataCompression, OutputTooSmallFails) {
   const Bytes stream = Deflate(Compressible(1000));
   length = 999;
   Bytes small(999);
-  EXPECT_FALSE(InflateBuffer(stream.data(), static_cast<int32_t>(stream.size()), small.data(), &length));
+  EXPECT_FALSE(
+      InflateBuffer(stream.data(), static_cast<int32_t>(stream.size()), small.data(), &length));
 }
 
 TEST(DataCompression, OneAndTwoByteInputsNeedMoreThanFourTimesTheirLength) {

@@ -70,7 +70,8 @@ TEST(DataDispatch, DecodingWithTheFlagAlwaysExpands) {
 
 TEST(DataDispatch, CompressedRoundTripInEveryByteEncoding) {
   Bytes input;
-  for (int i = 0; i < 4000; ++i) input.push_back(static_cast<uint8_t>("abcab"[i % 5] + i % 3));
+  for (int i = 0; i < 4000; ++i)
+    input.push_back(static_cast<uint8_t>("abcab"[i % 5] + i % 3));
   for (uint32_t encoding : {0u, 1u, 2u, 3u, 6u, 7u, 8u}) {
     const std::string text = Encode(input, encoding | fileEncodeCompressed);
     ASSERT_NE(text, "<fail>") << encoding;

@@ -37,7 +37,8 @@ TEST(ErrorCodes, EnumerationHasAllConstantsInAscendingOrder) {
   EXPECT_EQ(codes.size(), 409u);
   EXPECT_EQ(codes.front().number, 10001);
   EXPECT_EQ(codes.back().number, 12553);
-  for (size_t i = 1; i < codes.size(); ++i) EXPECT_LT(codes[i - 1].number, codes[i].number);
+  for (size_t i = 1; i < codes.size(); ++i)
+    EXPECT_LT(codes[i - 1].number, codes[i].number);
   EXPECT_EQ(ovErrorInvalidParameter, 10014);
   EXPECT_EQ(ovErrorStorageallocation, 12266);
   EXPECT_EQ(ovErrorIvalidX509Certificate, 12468);
@@ -64,7 +65,8 @@ TEST(ErrorCodes, ProducedCodesHaveTheirExactTexts) {
       {0x8004303E, "The specified file checksums do not match"},
       {0x800430CF, "The specified message digest type is invalid"},
   };
-  for (const auto& [code, text] : expected) EXPECT_EQ(MessageOf(code), text);
+  for (const auto& [code, text] : expected)
+    EXPECT_EQ(MessageOf(code), text);
 }
 
 TEST(ErrorCodes, EveryConstantHasAOneLineText) {
@@ -77,7 +79,9 @@ TEST(ErrorCodes, EveryConstantHasAOneLineText) {
   }
 }
 
-TEST(ErrorCodes, TenThousandReadsNoError) { EXPECT_EQ(MessageOf(0x80042710), "No error"); }
+TEST(ErrorCodes, TenThousandReadsNoError) {
+  EXPECT_EQ(MessageOf(0x80042710), "No error");
+}
 
 TEST(ErrorCodes, GapInTheEnumerationIsUndefined) {
   EXPECT_EQ(MessageOf(0x80042729), "Undefined control error (0x80042729)");

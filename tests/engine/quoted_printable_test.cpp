@@ -22,12 +22,19 @@ int32_t PlainQpDecode(const std::string& text, Bytes& out, int32_t capacity) {
   for (char c : text) {
     if (count >= capacity) return count;
     if (phase == 0) {
-      if (c == '=') phase = 1;
-      else out[static_cast<size_t>(count++)] = static_cast<uint8_t>(c);
+      if (c == '=')
+        phase = 1;
+      else
+        out[static_cast<size_t>(count++)] = static_cast<uint8_t>(c);
     } else if (phase == 1) {
-      if (c == '\r' || c == '\n') phase = 3;
-      else if (hex(c) < 0) return -1;
-      else { high = hex(c); phase = 2; }
+      if (c == '\r' || c == '\n')
+        phase = 3;
+      else if (hex(c) < 0)
+        return -1;
+      else {
+        high = hex(c);
+        phase = 2;
+      }
     } else if (phase == 2) {
       if (c == ' ' || (c >= '\t' && c <= '\r')) continue;
       phase = 0;
@@ -40,9 +47,13 @@ int32_t PlainQpDecode(const std::string& text, Bytes& out, int32_t capacity) {
   return count;
 }
 
-TEST(QuotedPrintable, EqualsSignIsEscaped) { EXPECT_EQ(Encode("a=b", dataEncodeQuoted), "a=3Db"); }
+TEST(QuotedPrintable, EqualsSignIsEscaped) {
+  EXPECT_EQ(Encode("a=b", dataEncodeQuoted), "a=3Db");
+}
 
-TEST(QuotedPrintable, AtSignIsEscaped) { EXPECT_EQ(Encode("@", dataEncodeQuoted), "=40"); }
+TEST(QuotedPrintable, AtSignIsEscaped) {
+  EXPECT_EQ(Encode("@", dataEncodeQuoted), "=40");
+}
 
 TEST(QuotedPrintable, TabBeforeCarriageReturnIsEscaped) {
   EXPECT_EQ(Encode("\t\r", dataEncodeQuoted), "=09=0D");
@@ -52,7 +63,9 @@ TEST(QuotedPrintable, SpaceBeforeCarriageReturnIsEscaped) {
   EXPECT_EQ(Encode("a \r\n", dataEncodeQuoted), "a=20=0D=0A");
 }
 
-TEST(QuotedPrintable, SpaceAtTheEndStays) { EXPECT_EQ(Encode("a ", dataEncodeQuoted), "a "); }
+TEST(QuotedPrintable, SpaceAtTheEndStays) {
+  EXPECT_EQ(Encode("a ", dataEncodeQuoted), "a ");
+}
 
 TEST(QuotedPrintable, EscapeSetAndPrintableRange) {
   EXPECT_EQ(Encode("!\"#$@[\\]^`{|}=", dataEncodeQuoted),
@@ -103,9 +116,13 @@ TEST(QuotedPrintable, DispatchFailsWhereAnEscapeWouldCrossTheBuffer) {
   }
 }
 
-TEST(QuotedPrintable, DecodesEscapes) { EXPECT_EQ(QpDecode("=41=42"), "AB"); }
+TEST(QuotedPrintable, DecodesEscapes) {
+  EXPECT_EQ(QpDecode("=41=42"), "AB");
+}
 
-TEST(QuotedPrintable, WhiteSpaceBetweenDigitsIsSkipped) { EXPECT_EQ(QpDecode("=4 1"), "A"); }
+TEST(QuotedPrintable, WhiteSpaceBetweenDigitsIsSkipped) {
+  EXPECT_EQ(QpDecode("=4 1"), "A");
+}
 
 TEST(QuotedPrintable, InvalidDigitFails) {
   int32_t result = 0;
@@ -115,7 +132,9 @@ TEST(QuotedPrintable, InvalidDigitFails) {
   EXPECT_EQ(result, -1);
 }
 
-TEST(QuotedPrintable, SoftLineBreakIsRemoved) { EXPECT_EQ(QpDecode("=\r\nx"), "x"); }
+TEST(QuotedPrintable, SoftLineBreakIsRemoved) {
+  EXPECT_EQ(QpDecode("=\r\nx"), "x");
+}
 
 TEST(QuotedPrintable, BareSoftBreakDropsTheNextCharacter) {
   EXPECT_EQ(QpDecode("ab=\nxyz"), "abyz");
@@ -146,12 +165,13 @@ TEST(QuotedPrintable, DecoderMatchesPlainPhases) {
   const std::string alphabet = "ab=\r\n 4Ag\t";
   for (int round = 0; round < 2000; ++round) {
     std::string text;
-    for (size_t k = random() % 40; k > 0; --k) text += alphabet[random() % alphabet.size()];
+    for (size_t k = random() % 40; k > 0; --k)
+      text += alphabet[random() % alphabet.size()];
     const auto capacity = static_cast<int32_t>(random() % 45);
     Bytes a(64), b(64);
     QpDecodeState state{};
-    const int32_t na = QpDecodeChunk(text.data(), static_cast<int32_t>(text.size()), a.data(),
-                                     capacity, &state);
+    const int32_t na =
+        QpDecodeChunk(text.data(), static_cast<int32_t>(text.size()), a.data(), capacity, &state);
     const int32_t nb = PlainQpDecode(text, b, capacity);
     ASSERT_EQ(na, nb) << text;
     if (na > 0) ASSERT_EQ(Bytes(a.begin(), a.begin() + na), Bytes(b.begin(), b.begin() + nb));

@@ -28,24 +28,23 @@ TEST_P(DataRoundTrip, RandomDataOfEverySize) {
     const std::string text = Encode(input, c.flags);
     ASSERT_NE(text, "<fail>") << size;
     int32_t result = 0;
-    const Bytes back = Decode(text, c.flags & ~static_cast<uint32_t>(dataEncodeWrapLines), &result,
-                              size + 64);
+    const Bytes back =
+        Decode(text, c.flags & ~static_cast<uint32_t>(dataEncodeWrapLines), &result, size + 64);
     ASSERT_EQ(back, input) << c.name << " size " << size;
   }
 }
 
 INSTANTIATE_TEST_SUITE_P(
     Encodings, DataRoundTrip,
-    testing::Values(RoundTripCase{"Base64", dataEncodeBase64, 1},
-                    RoundTripCase{"Base64Wrapped", dataEncodeBase64 | dataEncodeWrapLines, 1},
-                    RoundTripCase{"QuotedPrintable", dataEncodeQuoted, 1},
-                    RoundTripCase{"QuotedPrintableWrapped", dataEncodeQuoted | dataEncodeWrapLines, 1},
-                    RoundTripCase{"Url", dataEncodeURL, 1},
-                    RoundTripCase{"Base58", dataEncodeBase58, 1},
-                    RoundTripCase{"Base32", dataEncodeBase32, 1},
-                    RoundTripCase{"Base32Wrapped", dataEncodeBase32 | dataEncodeWrapLines, 1},
-                    RoundTripCase{"Base85", dataEncodeBase85, 1},
-                    RoundTripCase{"Z85", dataEncodeZ85, 4}),
+    testing::Values(
+        RoundTripCase{"Base64", dataEncodeBase64, 1},
+        RoundTripCase{"Base64Wrapped", dataEncodeBase64 | dataEncodeWrapLines, 1},
+        RoundTripCase{"QuotedPrintable", dataEncodeQuoted, 1},
+        RoundTripCase{"QuotedPrintableWrapped", dataEncodeQuoted | dataEncodeWrapLines, 1},
+        RoundTripCase{"Url", dataEncodeURL, 1}, RoundTripCase{"Base58", dataEncodeBase58, 1},
+        RoundTripCase{"Base32", dataEncodeBase32, 1},
+        RoundTripCase{"Base32Wrapped", dataEncodeBase32 | dataEncodeWrapLines, 1},
+        RoundTripCase{"Base85", dataEncodeBase85, 1}, RoundTripCase{"Z85", dataEncodeZ85, 4}),
     [](const testing::TestParamInfo<RoundTripCase>& info) { return info.param.name; });
 
 TEST(DataRoundTrip, Utf8OfRandomValidText) {

@@ -15,13 +15,18 @@ using Bytes = std::vector<uint8_t>;
 inline Bytes RandomBytes(size_t size, uint32_t seed) {
   std::mt19937 generator(seed);
   Bytes bytes(size);
-  for (auto& b : bytes) b = static_cast<uint8_t>(generator());
+  for (auto& b : bytes)
+    b = static_cast<uint8_t>(generator());
   return bytes;
 }
 
-inline Bytes ToBytes(const std::string& text) { return Bytes(text.begin(), text.end()); }
+inline Bytes ToBytes(const std::string& text) {
+  return Bytes(text.begin(), text.end());
+}
 
-inline std::string ToString(const Bytes& bytes) { return std::string(bytes.begin(), bytes.end()); }
+inline std::string ToString(const Bytes& bytes) {
+  return std::string(bytes.begin(), bytes.end());
+}
 
 inline std::string ToString(const char* data, int32_t length) {
   return length < 0 ? std::string() : std::string(data, static_cast<size_t>(length));

@@ -39,7 +39,8 @@ TEST(Utf8Row, EncodesAcrossAllLengths) {
 
 TEST(Utf8Row, LoneSurrogateBecomesReplacementCharacter) {
   EXPECT_EQ(EncodeUnicode(std::u16string{u'a', char16_t(0xD800), u'b'}, dataEncodeUTF8),
-            "a\xef\xbf\xbd" "b");
+            "a\xef\xbf\xbd"
+            "b");
   EXPECT_EQ(EncodeUnicode(std::u16string{char16_t(0xDC00)}, dataEncodeUTF8), "\xef\xbf\xbd");
 }
 
@@ -105,7 +106,9 @@ TEST(Utf7Row, DirectCharactersStayAsTheyAre) {
   EXPECT_EQ(EncodeUnicode(text, dataEncodeUTF7), expected);
 }
 
-TEST(Utf7Row, PlusIsWrittenPlusMinus) { EXPECT_EQ(EncodeUnicode(u"1+1", dataEncodeUTF7), "1+-1"); }
+TEST(Utf7Row, PlusIsWrittenPlusMinus) {
+  EXPECT_EQ(EncodeUnicode(u"1+1", dataEncodeUTF7), "1+-1");
+}
 
 TEST(Utf7Row, OptionalDirectCharactersAreEncoded) {
   EXPECT_EQ(EncodeUnicode(u"!", dataEncodeUTF7), "+ACE-");
@@ -163,14 +166,15 @@ TEST(Utf7Row, DecodeDoesNotUseTheStrictFlag) {
 
 TEST(Utf7Row, RoundTripsEveryBmpUnit) {
   std::u16string text;
-  for (uint32_t u = 1; u < 0x10000; u += 7) text += static_cast<char16_t>(u);
+  for (uint32_t u = 1; u < 0x10000; u += 7)
+    text += static_cast<char16_t>(u);
   std::vector<char> encoded(text.size() * 8 + 16);
   const int32_t n = EncodeBuffer(text.data(), static_cast<int32_t>(text.size()), encoded.data(),
                                  static_cast<int32_t>(encoded.size()), dataEncodeUTF7);
   ASSERT_GT(n, 0);
   std::u16string back(text.size() + 1, u'\0');
-  const int32_t m = DecodeBuffer(encoded.data(), back.data(), static_cast<int32_t>(back.size()),
-                                 dataDecodeUTF7);
+  const int32_t m =
+      DecodeBuffer(encoded.data(), back.data(), static_cast<int32_t>(back.size()), dataDecodeUTF7);
   ASSERT_EQ(m, static_cast<int32_t>(text.size()) + 1);
   back.pop_back();
   EXPECT_EQ(back, text);

@@ -9,7 +9,9 @@ std::string UrlDecodeText(const std::string& text, int32_t* result = nullptr) {
   return ToString(Decode(text, dataDecodeURL, result));
 }
 
-TEST(Url, SpaceSlashAndTildeEncode) { EXPECT_EQ(Encode("a b/c~", dataEncodeURL), "a%20b%2Fc~"); }
+TEST(Url, SpaceSlashAndTildeEncode) {
+  EXPECT_EQ(Encode("a b/c~", dataEncodeURL), "a%20b%2Fc~");
+}
 
 TEST(Url, LettersAndDigitsPass) {
   const std::string plain = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789~";
@@ -35,7 +37,9 @@ TEST(Url, EveryOtherByteIsEscaped) {
   }
 }
 
-TEST(Url, DecodesEscapesInEitherCase) { EXPECT_EQ(UrlDecodeText("%41%4a"), "AJ"); }
+TEST(Url, DecodesEscapesInEitherCase) {
+  EXPECT_EQ(UrlDecodeText("%41%4a"), "AJ");
+}
 
 TEST(Url, LonePercentStays) {
   EXPECT_EQ(UrlDecodeText("100%"), "100%");

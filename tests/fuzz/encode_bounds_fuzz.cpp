@@ -24,7 +24,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const int32_t n = EncodeBuffer(bytes.empty() ? "" : static_cast<const void*>(bytes.data()),
                                  length, output.get(), outputSize, flags);
   if (n > outputSize) __builtin_trap();
-  if (n >= 0 && n < outputSize && strnlen(output.get(), static_cast<size_t>(outputSize)) != static_cast<size_t>(n)) {
+  if (n >= 0 && n < outputSize &&
+      strnlen(output.get(), static_cast<size_t>(outputSize)) != static_cast<size_t>(n)) {
     __builtin_trap();
   }
   return 0;

@@ -25,7 +25,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   if (!DeflateBuffer(data, length, compressed.data(), &compressedSize)) __builtin_trap();
   std::vector<uint8_t> back(size);
   uint32_t backSize = static_cast<uint32_t>(size);
-  if (!InflateBuffer(compressed.data(), static_cast<int32_t>(compressedSize), back.data(), &backSize) ||
+  if (!InflateBuffer(compressed.data(), static_cast<int32_t>(compressedSize), back.data(),
+                     &backSize) ||
       backSize != size || std::memcmp(back.data(), data, size) != 0) {
     __builtin_trap();
   }

@@ -45,7 +45,8 @@ class LineWriter {
   void PutGroup(const uint8_t* in) {
     const uint64_t v = (uint64_t{in[0]} << 32) | (uint64_t{in[1]} << 24) | (uint64_t{in[2]} << 16) |
                        (uint64_t{in[3]} << 8) | in[4];
-    for (int k = 0; k < 8; ++k) output_[count_ + k] = kAlphabet[(v >> (35 - 5 * k)) & 31];
+    for (int k = 0; k < 8; ++k)
+      output_[count_ + k] = kAlphabet[(v >> (35 - 5 * k)) & 31];
     count_ += 8;
     if (wrap_ && (state_->column += 8) == kLineLength) BreakLine();
   }

@@ -22,7 +22,8 @@ constexpr int kDigitsPerLimb = 5;
 constexpr auto kValueOf = [] {
   std::array<uint8_t, 256> table{};
   table.fill(kNotInAlphabet);
-  for (uint8_t i = 0; i < 58; ++i) table[static_cast<uint8_t>(kAlphabet[i])] = i;
+  for (uint8_t i = 0; i < 58; ++i)
+    table[static_cast<uint8_t>(kAlphabet[i])] = i;
   return table;
 }();
 
@@ -51,7 +52,8 @@ int32_t Base58Encode(const uint8_t* input, int32_t length, char* output, int32_t
     return 0;
   }
   int32_t zeros = 0;
-  while (zeros < length && input[zeros] == 0) ++zeros;
+  while (zeros < length && input[zeros] == 0)
+    ++zeros;
 
   // Little-endian limbs of five base-58 digits; the input is taken in
   // big-endian 32-bit words, the first word holding the odd bytes.
@@ -63,7 +65,8 @@ int32_t Base58Encode(const uint8_t* input, int32_t length, char* output, int32_t
   while (i < length) {
     const int take = i == zeros && (length - zeros) % 4 != 0 ? (length - zeros) % 4 : 4;
     uint64_t carry = 0;
-    for (int k = 0; k < take; ++k) carry = (carry << 8) | input[i + k];
+    for (int k = 0; k < take; ++k)
+      carry = (carry << 8) | input[i + k];
     i += take;
     const uint64_t scale = uint64_t{1} << (8 * take);
     for (size_t j = 0; j < used; ++j) {
@@ -102,7 +105,8 @@ int32_t Base58Decode(const char* text, uint8_t* output, int32_t capacity) {
   const auto* in = reinterpret_cast<const uint8_t*>(text);
   const size_t length = std::strlen(text);
   size_t ones = 0;
-  while (ones < length && in[ones] == '1') ++ones;
+  while (ones < length && in[ones] == '1')
+    ++ones;
 
   const size_t maxBytes = (length - ones) * 733 / 1000 + 1;
   WorkArea<uint32_t> limbs(maxBytes / 4 + 2);
@@ -132,7 +136,8 @@ int32_t Base58Decode(const char* text, uint8_t* output, int32_t capacity) {
   }
   size_t bytes = used * 4;
   if (used > 0) {
-    for (uint32_t top = limbs.data[used - 1]; (top >> 24) == 0 && bytes > 0; top <<= 8) --bytes;
+    for (uint32_t top = limbs.data[used - 1]; (top >> 24) == 0 && bytes > 0; top <<= 8)
+      --bytes;
   }
   if (ones + bytes > static_cast<size_t>(capacity < 0 ? 0 : capacity)) {
     return fe::FailWith(fe::kErrorInsufficientBuffer);
@@ -141,7 +146,8 @@ int32_t Base58Decode(const char* text, uint8_t* output, int32_t capacity) {
   std::memset(output, 0, ones);
   uint8_t* out = output + ones + bytes;
   for (size_t j = 0; j < used && out > output + ones; ++j) {
-    for (int k = 0; k < 4 && out > output + ones; ++k) *--out = static_cast<uint8_t>(limbs.data[j] >> (8 * k));
+    for (int k = 0; k < 4 && out > output + ones; ++k)
+      *--out = static_cast<uint8_t>(limbs.data[j] >> (8 * k));
   }
   return static_cast<int32_t>(ones + bytes);
 }

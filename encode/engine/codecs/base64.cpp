@@ -24,14 +24,16 @@ enum EncoderPhase : uint32_t { kFirst = 0, kSecond, kThird, kFourth, kCarriageRe
 constexpr auto kSextetOf = [] {
   std::array<uint8_t, 256> table{};
   table.fill(kNotInAlphabet);
-  for (uint8_t i = 0; i < 64; ++i) table[static_cast<uint8_t>(kAlphabet[i])] = i;
+  for (uint8_t i = 0; i < 64; ++i)
+    table[static_cast<uint8_t>(kAlphabet[i])] = i;
   return table;
 }();
 
 // Two characters for every 12-bit half of a group.
 constexpr auto kCharacterPairs = [] {
   std::array<std::array<char, 2>, 4096> table{};
-  for (int i = 0; i < 4096; ++i) table[i] = {kAlphabet[i >> 6], kAlphabet[i & 63]};
+  for (int i = 0; i < 4096; ++i)
+    table[i] = {kAlphabet[i >> 6], kAlphabet[i & 63]};
   return table;
 }();
 

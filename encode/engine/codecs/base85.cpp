@@ -18,7 +18,8 @@ constexpr uint32_t kPadDigit = 84;  // 'u'
 void PutDigits(uint32_t value, int count, char* out) {
   uint8_t digits[5];
   SplitBase85(value, digits);
-  for (int k = 0; k < count; ++k) out[k] = static_cast<char>(digits[k] + kFirstDigit);
+  for (int k = 0; k < count; ++k)
+    out[k] = static_cast<char>(digits[k] + kFirstDigit);
 }
 
 }  // namespace
@@ -75,7 +76,7 @@ int32_t Base85Decode(const char* text, int32_t length, uint8_t* output, int32_t 
       continue;
     }
     if (c < kFirstDigit || c > kLastDigit) continue;  // white space and line breaks included
-    value = value * 85 + (c - kFirstDigit);  // wraps like the original on overlong groups
+    value = value * 85 + (c - kFirstDigit);           // wraps like the original on overlong groups
     if (++digits == 5) {
       if (count + 4 > capacity) return static_cast<int32_t>(count);
       WriteBigEndian32(value, output + count);
@@ -85,7 +86,8 @@ int32_t Base85Decode(const char* text, int32_t length, uint8_t* output, int32_t 
     }
   }
   if (digits > 1 && count + digits - 1 <= capacity) {
-    for (int k = digits; k < 5; ++k) value = value * 85 + kPadDigit;
+    for (int k = digits; k < 5; ++k)
+      value = value * 85 + kPadDigit;
     uint8_t group[4];
     WriteBigEndian32(value, group);
     std::memcpy(output + count, group, static_cast<size_t>(digits - 1));

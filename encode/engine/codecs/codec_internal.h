@@ -9,7 +9,9 @@ namespace fe::codecs {
 inline constexpr int kLineLength = 72;  // wrapped Base64, Base32 and quoted-printable
 
 // White space as the C library classifies it: space, TAB, LF, VT, FF, CR.
-constexpr bool IsAsciiSpace(uint8_t c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
+constexpr bool IsAsciiSpace(uint8_t c) {
+  return c == ' ' || (c >= '\t' && c <= '\r');
+}
 
 // The codecs whose published contract lets them write past `capacity`
 // (quoted-printable escapes, URL terminators) take the real size of the

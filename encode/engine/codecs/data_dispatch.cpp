@@ -87,7 +87,8 @@ int32_t Encode(uint32_t encoding, const uint8_t* input, int32_t length, char* ou
     case dataEncodeBase64:
       return EncodeBase64(input, length, output, outputSize, wrap);
     case dataEncodeQuoted: {
-      const int32_t count = QpEncodeInto(input, length, output, outputSize - 1, wrap, outputSize - 1);
+      const int32_t count =
+          QpEncodeInto(input, length, output, outputSize - 1, wrap, outputSize - 1);
       if (count >= 0) output[count] = '\0';
       return count;
     }
@@ -108,14 +109,14 @@ int32_t Encode(uint32_t encoding, const uint8_t* input, int32_t length, char* ou
   }
 }
 
-int32_t DecodeUnicode(uint32_t codePage, uint32_t conversionFlags, const char* text,
-                      void* output, int32_t outputSize) {
+int32_t DecodeUnicode(uint32_t codePage, uint32_t conversionFlags, const char* text, void* output,
+                      int32_t outputSize) {
   const size_t length = std::strlen(text);
   if (length >= INT32_MAX) return -1;
   // The terminating NUL is converted and counted.
   return fe::platform::MultiByteToWide(codePage, conversionFlags, text,
-                                       static_cast<int>(length) + 1,
-                                       static_cast<char16_t*>(output), outputSize);
+                                       static_cast<int>(length) + 1, static_cast<char16_t*>(output),
+                                       outputSize);
 }
 
 int32_t Decode(uint32_t encoding, const char* text, void* output, int32_t outputSize) {
@@ -129,8 +130,8 @@ int32_t Decode(uint32_t encoding, const char* text, void* output, int32_t output
     }
     case dataDecodeQuoted: {
       QpDecodeState state{};
-      return QpDecodeChunk(text, static_cast<int32_t>(strnlen(text, INT32_MAX)), bytes,
-                           outputSize, &state);
+      return QpDecodeChunk(text, static_cast<int32_t>(strnlen(text, INT32_MAX)), bytes, outputSize,
+                           &state);
     }
     case dataDecodeURL:
       return UrlDecodeInto(text, -1, bytes, outputSize, outputSize);
@@ -176,8 +177,8 @@ int32_t EncodeBuffer(const void* input, int32_t inputLength, char* output, int32
   if (DeflateBuffer(static_cast<const uint8_t*>(input), inputLength, work.data(),
                     &compressedLength) &&
       compressedLength < static_cast<uint32_t>(inputLength)) {
-    return Encode(encoding, work.data(), static_cast<int32_t>(compressedLength), output,
-                  outputSize, wrap);
+    return Encode(encoding, work.data(), static_cast<int32_t>(compressedLength), output, outputSize,
+                  wrap);
   }
   return Encode(encoding, static_cast<const uint8_t*>(input), inputLength, output, outputSize,
                 wrap);

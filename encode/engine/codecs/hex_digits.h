@@ -13,7 +13,8 @@ inline constexpr uint8_t kNotHex = 127;
 inline constexpr auto kHexValue = [] {
   std::array<uint8_t, 256> table{};
   table.fill(kNotHex);
-  for (int i = 0; i < 10; ++i) table['0' + i] = static_cast<uint8_t>(i);
+  for (int i = 0; i < 10; ++i)
+    table['0' + i] = static_cast<uint8_t>(i);
   for (int i = 0; i < 6; ++i) {
     table['A' + i] = static_cast<uint8_t>(10 + i);
     table['a' + i] = static_cast<uint8_t>(10 + i);

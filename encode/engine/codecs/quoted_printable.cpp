@@ -17,8 +17,10 @@ constexpr std::string_view kAlwaysEscaped = "!\"#$@[\\]^`{|}=";
 
 constexpr auto kWrittenAsIs = [] {
   std::array<bool, 256> table{};
-  for (int c = 32; c <= 126; ++c) table[c] = true;
-  for (char c : kAlwaysEscaped) table[static_cast<uint8_t>(c)] = false;
+  for (int c = 32; c <= 126; ++c)
+    table[c] = true;
+  for (char c : kAlwaysEscaped)
+    table[static_cast<uint8_t>(c)] = false;
   return table;
 }();
 

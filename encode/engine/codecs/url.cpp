@@ -14,9 +14,12 @@ using namespace fe::codecs;
 // escaped too, stricter than the usual unreserved set, as callers expect.
 constexpr auto kUnescaped = [] {
   std::array<bool, 256> table{};
-  for (int c = '0'; c <= '9'; ++c) table[c] = true;
-  for (int c = 'A'; c <= 'Z'; ++c) table[c] = true;
-  for (int c = 'a'; c <= 'z'; ++c) table[c] = true;
+  for (int c = '0'; c <= '9'; ++c)
+    table[c] = true;
+  for (int c = 'A'; c <= 'Z'; ++c)
+    table[c] = true;
+  for (int c = 'a'; c <= 'z'; ++c)
+    table[c] = true;
   table['~'] = true;
   return table;
 }();

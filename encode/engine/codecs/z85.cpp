@@ -18,7 +18,8 @@ constexpr uint8_t kNotInAlphabet = 0xFF;
 constexpr auto kValueOf = [] {
   std::array<uint8_t, 256> table{};
   table.fill(kNotInAlphabet);
-  for (uint8_t i = 0; i < 85; ++i) table[static_cast<uint8_t>(kAlphabet[i])] = i;
+  for (uint8_t i = 0; i < 85; ++i)
+    table[static_cast<uint8_t>(kAlphabet[i])] = i;
   return table;
 }();
 
@@ -35,7 +36,8 @@ int32_t Z85Encode(const uint8_t* input, int32_t length, char* output, int32_t ca
   for (int32_t i = 0; i < length && count + 5 <= capacity; i += 4) {
     uint8_t digits[5];
     SplitBase85(ReadBigEndian32(input + i), digits);
-    for (int k = 0; k < 5; ++k) output[count + k] = kAlphabet[digits[k]];
+    for (int k = 0; k < 5; ++k)
+      output[count + k] = kAlphabet[digits[k]];
     count += 5;
   }
   if (count >= capacity) return -1;

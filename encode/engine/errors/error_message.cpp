@@ -11,7 +11,9 @@ namespace {
 // Message texts are all shorter than this; the lookup never reads more.
 constexpr int kMessageBufferSize = 128;
 
-bool IsTrailingBlank(char c) { return c == '\r' || c == '\n' || c == ' '; }
+bool IsTrailingBlank(char c) {
+  return c == '\r' || c == '\n' || c == ' ';
+}
 
 }  // namespace
 
@@ -20,7 +22,8 @@ extern "C" int32_t FormatErrorMessage(uint32_t code, char* buffer, int32_t size)
   char text[kMessageBufferSize];
   int length = fe::platform::FormatMessageText(code, text, kMessageBufferSize);
   // Table texts may end in a line break; only CR, LF and space are trimmed.
-  while (length > 0 && IsTrailingBlank(text[length - 1])) --length;
+  while (length > 0 && IsTrailingBlank(text[length - 1]))
+    --length;
   if (length <= 0) {
     length = std::snprintf(text, sizeof text, "Undefined control error (0x%08" PRIX32 ")", code);
   }

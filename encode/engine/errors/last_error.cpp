@@ -2,8 +2,12 @@
 
 extern "C" {
 
-uint32_t EngineGetLastError(void) { return fe::LastError(); }
+uint32_t EngineGetLastError(void) {
+  return fe::LastError();
+}
 
-void EngineSetLastError(uint32_t code) { fe::SetLastError(code); }
+void EngineSetLastError(uint32_t code) {
+  fe::SetLastError(code);
+}
 
 }  // extern "C"

@@ -10,10 +10,16 @@
 namespace fe {
 
 // The full 32-bit form of a control error number.
-constexpr uint32_t ControlError(ErrorCodes number) { return FE_CONTROL_ERROR(number); }
+constexpr uint32_t ControlError(ErrorCodes number) {
+  return FE_CONTROL_ERROR(number);
+}
 
-inline void SetLastError(uint32_t code) { platform::SetLastErrorCode(code); }
-inline uint32_t LastError() { return platform::GetLastErrorCode(); }
+inline void SetLastError(uint32_t code) {
+  platform::SetLastErrorCode(code);
+}
+inline uint32_t LastError() {
+  return platform::GetLastErrorCode();
+}
 
 // Records code and returns -1, the failure value of the counting operations.
 inline int32_t FailWith(uint32_t code) {

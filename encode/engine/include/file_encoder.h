@@ -107,8 +107,7 @@ FE_API int32_t Base64DecodeChunk(const char* text, int32_t length, uint8_t* outp
                                  int32_t capacity, Base64State* state);
 
 /* One-shot pair without line breaks. */
-FE_API int32_t Base64Encode(const uint8_t* input, int32_t length, char* output,
-                            int32_t outputSize);
+FE_API int32_t Base64Encode(const uint8_t* input, int32_t length, char* output, int32_t outputSize);
 FE_API int32_t Base64Decode(const char* text, uint8_t* output, int32_t outputSize);
 
 /* ---- Quoted-printable and URL ---- */
@@ -123,8 +122,8 @@ typedef struct QpDecodeState {
  * first character of an escape. Not NUL-terminated. */
 FE_API int32_t QpEncode(const uint8_t* input, int32_t length, char* output, int32_t capacity,
                         int wrap);
-FE_API int32_t QpDecodeChunk(const char* text, int32_t length, uint8_t* output,
-                             int32_t capacity, QpDecodeState* state);
+FE_API int32_t QpDecodeChunk(const char* text, int32_t length, uint8_t* output, int32_t capacity,
+                             QpDecodeState* state);
 
 /* length -1 means NUL-terminated; output must hold capacity + 1 bytes for the
  * terminator. */

@@ -16,7 +16,8 @@ constexpr uint32_t kWideFailOnInvalid = 0x80;  // WC_ERR_INVALID_CHARS
 template <typename Unit>
 size_t TerminatedLength(const Unit* text) {
   size_t n = 0;
-  while (text[n] != 0) ++n;
+  while (text[n] != 0)
+    ++n;
   return n + 1;  // the terminator is converted too
 }
 

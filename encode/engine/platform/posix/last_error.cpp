@@ -7,8 +7,12 @@ namespace {
 thread_local uint32_t last_error_code = 0;
 }
 
-void SetLastErrorCode(uint32_t code) { last_error_code = code; }
+void SetLastErrorCode(uint32_t code) {
+  last_error_code = code;
+}
 
-uint32_t GetLastErrorCode() { return last_error_code; }
+uint32_t GetLastErrorCode() {
+  return last_error_code;
+}
 
 }  // namespace fe::platform

@@ -5,8 +5,12 @@
 
 namespace fe::platform {
 
-void* AllocateZeroed(size_t size) { return std::calloc(size == 0 ? 1 : size, 1); }
+void* AllocateZeroed(size_t size) {
+  return std::calloc(size == 0 ? 1 : size, 1);
+}
 
-void Release(void* block) { std::free(block); }
+void Release(void* block) {
+  std::free(block);
+}
 
 }  // namespace fe::platform

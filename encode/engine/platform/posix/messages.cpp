@@ -61,8 +61,8 @@ constexpr MessageEntry kSystemMessages[] = {
 };
 
 constexpr bool IsSorted(const MessageEntry* first, const MessageEntry* last) {
-  return std::is_sorted(first, last,
-                        [](const MessageEntry& a, const MessageEntry& b) { return a.code < b.code; });
+  return std::is_sorted(
+      first, last, [](const MessageEntry& a, const MessageEntry& b) { return a.code < b.code; });
 }
 static_assert(IsSorted(std::begin(kControlMessages), std::end(kControlMessages)));
 static_assert(IsSorted(std::begin(kSystemMessages), std::end(kSystemMessages)));
@@ -77,7 +77,8 @@ const char* FindText(const MessageEntry* first, const MessageEntry* last, uint32
 
 int FormatMessageText(uint32_t code, char* buffer, int size) {
   const char* text = FindText(std::begin(kControlMessages), std::end(kControlMessages), code);
-  if (text == nullptr) text = FindText(std::begin(kSystemMessages), std::end(kSystemMessages), code);
+  if (text == nullptr)
+    text = FindText(std::begin(kSystemMessages), std::end(kSystemMessages), code);
   if (text == nullptr || size < 1) return 0;
   const size_t length = std::strlen(text);
   if (length >= static_cast<size_t>(size)) return 0;

@@ -22,21 +22,28 @@ constexpr char kBase64Alphabet[] =
 constexpr auto kBase64Values = [] {
   std::array<int8_t, 128> values{};
   values.fill(-1);
-  for (int i = 0; i < 64; ++i) values[static_cast<uint8_t>(kBase64Alphabet[i])] = static_cast<int8_t>(i);
+  for (int i = 0; i < 64; ++i)
+    values[static_cast<uint8_t>(kBase64Alphabet[i])] = static_cast<int8_t>(i);
   return values;
 }();
 
 constexpr auto kDirect = [] {
   std::array<bool, 128> direct{};
-  for (char c : std::string_view("\t\n\r '(),-./:?")) direct[static_cast<uint8_t>(c)] = true;
+  for (char c : std::string_view("\t\n\r '(),-./:?"))
+    direct[static_cast<uint8_t>(c)] = true;
   direct[0] = true;
-  for (int c = '0'; c <= '9'; ++c) direct[c] = true;
-  for (int c = 'A'; c <= 'Z'; ++c) direct[c] = true;
-  for (int c = 'a'; c <= 'z'; ++c) direct[c] = true;
+  for (int c = '0'; c <= '9'; ++c)
+    direct[c] = true;
+  for (int c = 'A'; c <= 'Z'; ++c)
+    direct[c] = true;
+  for (int c = 'a'; c <= 'z'; ++c)
+    direct[c] = true;
   return direct;
 }();
 
-bool IsDirect(char16_t unit) { return unit < 128 && kDirect[unit]; }
+bool IsDirect(char16_t unit) {
+  return unit < 128 && kDirect[unit];
+}
 
 }  // namespace
 

@@ -4,7 +4,9 @@
 
 namespace fe::platform {
 
-void* AllocateZeroed(size_t size) { return ::LocalAlloc(LPTR, size); }
+void* AllocateZeroed(size_t size) {
+  return ::LocalAlloc(LPTR, size);
+}
 
 void Release(void* block) {
   if (block != nullptr) ::LocalFree(block);

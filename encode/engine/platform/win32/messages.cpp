@@ -13,8 +13,9 @@ int FormatMessageText(uint32_t code, char* buffer, int size) {
       reinterpret_cast<LPCSTR>(&FormatMessageText), &module);
   const DWORD flags =
       FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_FROM_HMODULE | FORMAT_MESSAGE_IGNORE_INSERTS;
-  const DWORD length = ::FormatMessageA(flags, module, code, MAKELANGID(LANG_NEUTRAL, SUBLANG_DEFAULT),
-                                        buffer, static_cast<DWORD>(size), nullptr);
+  const DWORD length =
+      ::FormatMessageA(flags, module, code, MAKELANGID(LANG_NEUTRAL, SUBLANG_DEFAULT), buffer,
+                       static_cast<DWORD>(size), nullptr);
   if (length == 0 || static_cast<int>(length) >= size) return 0;
   return static_cast<int>(length);
 }
