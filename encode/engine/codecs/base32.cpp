@@ -13,14 +13,11 @@ using fe::codecs::kLineLength;
 constexpr char kAlphabet[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZ234567";
 constexpr uint8_t kNotInAlphabet = 0xFF;
 
+// Decoding accepts the letters in either case.
 constexpr auto kValueOf = [] {
-  std::array<uint8_t, 256> table{};
-  table.fill(kNotInAlphabet);
-  for (uint8_t i = 0; i < 32; ++i) {
-    const char c = kAlphabet[i];
-    table[static_cast<uint8_t>(c)] = i;
-    if (c >= 'A' && c <= 'Z') table[static_cast<uint8_t>(c - 'A' + 'a')] = i;
-  }
+  auto table = fe::codecs::InverseAlphabet(kAlphabet, kNotInAlphabet);
+  for (int c = 'a'; c <= 'z'; ++c)
+    table[c] = table[c - 'a' + 'A'];
   return table;
 }();
 

@@ -7,6 +7,7 @@
 #include <memory>
 #include <vector>
 
+#include "codecs/codec_internal.h"
 #include "errors/last_error.h"
 #include "errors/system_errors.h"
 #include "file_encoder.h"
@@ -19,13 +20,7 @@ constexpr uint8_t kNotInAlphabet = 0xFF;
 constexpr uint32_t kLimbBase = 58u * 58u * 58u * 58u * 58u;  // five digits a limb
 constexpr int kDigitsPerLimb = 5;
 
-constexpr auto kValueOf = [] {
-  std::array<uint8_t, 256> table{};
-  table.fill(kNotInAlphabet);
-  for (uint8_t i = 0; i < 58; ++i)
-    table[static_cast<uint8_t>(kAlphabet[i])] = i;
-  return table;
-}();
+constexpr auto kValueOf = fe::codecs::InverseAlphabet(kAlphabet, kNotInAlphabet);
 
 // A zero-filled work area from the platform heap; the reason for a failed
 // allocation is reported as ERROR_OUTOFMEMORY like the other codecs do.

@@ -21,13 +21,7 @@ constexpr uint8_t kNotInAlphabet = 127;
 
 enum EncoderPhase : uint32_t { kFirst = 0, kSecond, kThird, kFourth, kCarriageReturn, kLineFeed };
 
-constexpr auto kSextetOf = [] {
-  std::array<uint8_t, 256> table{};
-  table.fill(kNotInAlphabet);
-  for (uint8_t i = 0; i < 64; ++i)
-    table[static_cast<uint8_t>(kAlphabet[i])] = i;
-  return table;
-}();
+constexpr auto kSextetOf = fe::codecs::InverseAlphabet(kAlphabet, kNotInAlphabet);
 
 // Two characters for every 12-bit half of a group.
 constexpr auto kCharacterPairs = [] {

@@ -1,12 +1,25 @@
 // Pieces shared between the codecs and the EncodeBuffer/DecodeBuffer dispatch.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
+#include <string_view>
 
 namespace fe::codecs {
 
 inline constexpr int kLineLength = 72;  // wrapped Base64, Base32 and quoted-printable
+
+// Maps each character of an alphabet to its index and every other byte to
+// `absent`.
+constexpr std::array<uint8_t, 256> InverseAlphabet(std::string_view alphabet, uint8_t absent) {
+  std::array<uint8_t, 256> table{};
+  table.fill(absent);
+  for (size_t i = 0; i < alphabet.size(); ++i) {
+    table[static_cast<uint8_t>(alphabet[i])] = static_cast<uint8_t>(i);
+  }
+  return table;
+}
 
 // White space as the C library classifies it: space, TAB, LF, VT, FF, CR.
 constexpr bool IsAsciiSpace(uint8_t c) {

@@ -17,9 +17,10 @@ using namespace fe::codecs;
 
 constexpr uint32_t kEncodingMask = 0xFFFF;
 constexpr uint32_t kHighestEncoding = dataEncodeZ85;
-// What the finishers may still need after a chunk coder stopped.
+// What the finishers may still need after a chunk coder stopped, and the
+// scratch area they write into.
 constexpr int32_t kFinisherReserve = 5;
-constexpr int32_t kBase32FinisherScratch = 128;
+constexpr int32_t kFinisherScratch = 128;
 
 // A zero-filled block from the platform heap, freed on scope exit.
 class WorkBuffer {
@@ -35,10 +36,19 @@ class WorkBuffer {
   uint8_t* data_;
 };
 
-// Appends a finisher's text after `count` characters, or fails when it and
-// its terminator would not fit.
-int32_t AppendFinisher(char* output, int32_t outputSize, int32_t count, const char* tail,
-                       int32_t tailLength) {
+// The chunk coders of Base64 and Base32 leave their last group to a
+// finisher: run the chunk with room for a terminator, require five bytes
+// after it, then append the finisher's text.
+template <typename State, typename Chunk, typename Finish>
+int32_t EncodeWithFinisher(const uint8_t* input, int32_t length, char* output, int32_t outputSize,
+                           bool wrap, Chunk chunk, Finish finish) {
+  State state{};
+  const int32_t count = chunk(input, length, output, outputSize - 1, &state, wrap);
+  if (count < 0) return -1;
+  output[count] = '\0';
+  if (outputSize - count < kFinisherReserve) return -1;
+  char tail[kFinisherScratch];
+  const int32_t tailLength = finish(&state, tail, wrap);
   if (tailLength < 0 || int64_t{count} + tailLength + 1 > outputSize) return -1;
   std::memcpy(output + count, tail, static_cast<size_t>(tailLength));
   output[count + tailLength] = '\0';
@@ -47,26 +57,17 @@ int32_t AppendFinisher(char* output, int32_t outputSize, int32_t count, const ch
 
 int32_t EncodeBase64(const uint8_t* input, int32_t length, char* output, int32_t outputSize,
                      bool wrap) {
-  Base64State state{};
-  const int32_t count = Base64EncodeChunk(input, length, output, outputSize - 1, &state, wrap);
-  if (count < 0) return -1;
-  output[count] = '\0';
-  if (outputSize - count < kFinisherReserve) return -1;
-  char tail[kFinisherReserve];
-  const int32_t tailLength = Base64EncodeFinish(&state, tail, wrap);
-  return AppendFinisher(output, outputSize, count, tail, tailLength);
+  return EncodeWithFinisher<Base64State>(input, length, output, outputSize, wrap, Base64EncodeChunk,
+                                         Base64EncodeFinish);
 }
 
 int32_t EncodeBase32(const uint8_t* input, int32_t length, char* output, int32_t outputSize,
                      bool wrap) {
-  Base32State state{};
-  const int32_t count = Base32EncodeChunk(input, length, output, outputSize - 1, &state, wrap);
-  if (count < 0) return -1;
-  output[count] = '\0';
-  if (outputSize - count < kFinisherReserve) return -1;
-  char tail[kBase32FinisherScratch];
-  const int32_t tailLength = Base32EncodeFinish(&state, tail, kBase32FinisherScratch, wrap);
-  return AppendFinisher(output, outputSize, count, tail, tailLength);
+  return EncodeWithFinisher<Base32State>(input, length, output, outputSize, wrap, Base32EncodeChunk,
+                                         [](Base32State* state, char* tail, int wrapLines) {
+                                           return Base32EncodeFinish(state, tail, kFinisherScratch,
+                                                                     wrapLines);
+                                         });
 }
 
 // UTF-16 to UTF-7 or UTF-8. A failed conversion writes nothing, so the NUL

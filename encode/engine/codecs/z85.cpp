@@ -2,6 +2,7 @@
 #include <array>
 #include <cstring>
 
+#include "codecs/codec_internal.h"
 #include "codecs/radix85.h"
 #include "errors/last_error.h"
 #include "errors/system_errors.h"
@@ -15,13 +16,7 @@ constexpr char kAlphabet[] =
     "0123456789abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ.-:+=^!/*?&<>()[]{}@%$#";
 constexpr uint8_t kNotInAlphabet = 0xFF;
 
-constexpr auto kValueOf = [] {
-  std::array<uint8_t, 256> table{};
-  table.fill(kNotInAlphabet);
-  for (uint8_t i = 0; i < 85; ++i)
-    table[static_cast<uint8_t>(kAlphabet[i])] = i;
-  return table;
-}();
+constexpr auto kValueOf = InverseAlphabet(kAlphabet, kNotInAlphabet);
 
 }  // namespace
 

@@ -3,8 +3,6 @@
 // as it stood, and the caller reports that.
 #include <zlib.h>
 
-#include <cstring>
-
 #include "file_encoder.h"
 
 namespace {
@@ -15,10 +13,54 @@ constexpr int kMemoryLevel = 8;
 // Measuring runs the stream into this small scratch area over and over.
 constexpr uInt kScratchSize = 32;
 
-bool ValidArguments(const uint8_t* input, int32_t inputLength, const uint8_t* output,
-                    const uint32_t* length) {
-  return input != nullptr && inputLength > 0 && length != nullptr &&
-         (output == nullptr || *length > 0);
+enum class Direction { kCompress, kExpand };
+
+// Runs one whole stream over the input, into output or, when output is
+// null, only counting what it would write.
+bool RunStream(Direction direction, const uint8_t* input, int32_t inputLength, uint8_t* output,
+               uint32_t* length) {
+  if (input == nullptr || inputLength <= 0 || length == nullptr ||
+      (output != nullptr && *length == 0)) {
+    return false;
+  }
+  const bool compressing = direction == Direction::kCompress;
+  const uint32_t capacity = *length;
+  *length = 0;
+  z_stream stream{};
+  const int init = compressing ? deflateInit2(&stream, kLevel, Z_DEFLATED, kWindowBits,
+                                              kMemoryLevel, Z_DEFAULT_STRATEGY)
+                               : inflateInit2(&stream, kWindowBits);
+  if (init != Z_OK) return false;
+  auto step = [&](int flush) {
+    return compressing ? deflate(&stream, flush) : inflate(&stream, flush);
+  };
+  stream.next_in = const_cast<Bytef*>(input);
+  stream.avail_in = static_cast<uInt>(inputLength);
+  int result;
+  if (output != nullptr) {
+    stream.next_out = output;
+    stream.avail_out = capacity;
+    result = step(Z_FINISH);
+  } else {
+    // Expansion asks for Z_FINISH only once the input is used up, so that a
+    // truncated stream ends in an error instead of a loop; a stream asking
+    // for a preset dictionary (Z_NEED_DICT) ends it too.
+    Bytef scratch[kScratchSize];
+    int flush = compressing ? Z_FINISH : Z_NO_FLUSH;
+    do {
+      stream.next_out = scratch;
+      stream.avail_out = kScratchSize;
+      result = step(flush);
+      if (!compressing) flush = stream.avail_in > 0 ? Z_NO_FLUSH : Z_FINISH;
+    } while (result == Z_OK);
+  }
+  *length = static_cast<uint32_t>(stream.total_out);
+  if (compressing) {
+    deflateEnd(&stream);
+  } else {
+    inflateEnd(&stream);
+  }
+  return result == Z_STREAM_END;
 }
 
 }  // namespace
@@ -26,63 +68,11 @@ bool ValidArguments(const uint8_t* input, int32_t inputLength, const uint8_t* ou
 extern "C" {
 
 int DeflateBuffer(const uint8_t* input, int32_t inputLength, uint8_t* output, uint32_t* length) {
-  if (!ValidArguments(input, inputLength, output, length)) return 0;
-  const uint32_t capacity = *length;
-  *length = 0;
-  z_stream stream{};
-  if (deflateInit2(&stream, kLevel, Z_DEFLATED, kWindowBits, kMemoryLevel, Z_DEFAULT_STRATEGY) !=
-      Z_OK) {
-    return 0;
-  }
-  stream.next_in = const_cast<Bytef*>(input);
-  stream.avail_in = static_cast<uInt>(inputLength);
-  int result;
-  if (output != nullptr) {
-    stream.next_out = output;
-    stream.avail_out = capacity;
-    result = deflate(&stream, Z_FINISH);
-  } else {
-    Bytef scratch[kScratchSize];
-    do {
-      stream.next_out = scratch;
-      stream.avail_out = kScratchSize;
-      result = deflate(&stream, Z_FINISH);
-    } while (result == Z_OK);
-  }
-  *length = static_cast<uint32_t>(stream.total_out);
-  deflateEnd(&stream);
-  return result == Z_STREAM_END;
+  return RunStream(Direction::kCompress, input, inputLength, output, length);
 }
 
 int InflateBuffer(const uint8_t* input, int32_t inputLength, uint8_t* output, uint32_t* length) {
-  if (!ValidArguments(input, inputLength, output, length)) return 0;
-  const uint32_t capacity = *length;
-  *length = 0;
-  z_stream stream{};
-  if (inflateInit2(&stream, kWindowBits) != Z_OK) return 0;
-  stream.next_in = const_cast<Bytef*>(input);
-  stream.avail_in = static_cast<uInt>(inputLength);
-  int result;
-  if (output != nullptr) {
-    stream.next_out = output;
-    stream.avail_out = capacity;
-    result = inflate(&stream, Z_FINISH);
-  } else {
-    // Z_FINISH only once the input is used up, so that a truncated stream
-    // ends in an error instead of a loop; a stream asking for a preset
-    // dictionary (Z_NEED_DICT) ends it too.
-    Bytef scratch[kScratchSize];
-    int flush = Z_NO_FLUSH;
-    do {
-      stream.next_out = scratch;
-      stream.avail_out = kScratchSize;
-      result = inflate(&stream, flush);
-      flush = stream.avail_in > 0 ? Z_NO_FLUSH : Z_FINISH;
-    } while (result == Z_OK);
-  }
-  *length = static_cast<uint32_t>(stream.total_out);
-  inflateEnd(&stream);
-  return result == Z_STREAM_END;
+  return RunStream(Direction::kExpand, input, inputLength, output, length);
 }
 
 }  // extern "C"

@@ -11,7 +11,17 @@ namespace fe::platform {
 
 namespace {
 
-constexpr uint32_t kWideFailOnInvalid = 0x80;  // WC_ERR_INVALID_CHARS
+// The conversions of one direction.
+template <typename In, typename Out>
+struct Transforms {
+  uint32_t strictFlag;  // the flag that makes UTF-8 fail on invalid input
+  bool (*utf8)(std::basic_string_view<In>, bool, BoundedWriter<Out>&);
+  void (*utf7)(std::basic_string_view<In>, BoundedWriter<Out>&);
+};
+
+constexpr Transforms<char16_t, char> kToMultiByte{0x80 /* WC_ERR_INVALID_CHARS */, Utf16ToUtf8,
+                                                  Utf16ToUtf7};
+constexpr Transforms<char, char16_t> kToWide{kFailOnInvalidChars, Utf8ToUtf16, Utf7ToUtf16};
 
 template <typename Unit>
 size_t TerminatedLength(const Unit* text) {
@@ -22,19 +32,38 @@ size_t TerminatedLength(const Unit* text) {
 }
 
 template <typename In, typename Out>
-bool ValidArguments(const In* text, int length, const Out* output, int outputSize) {
-  return text != nullptr && length != 0 && length >= -1 && outputSize >= 0 &&
-         (outputSize == 0 || output != nullptr);
-}
-
-template <typename Unit>
-int Finish(bool converted, uint32_t failure, const BoundedWriter<Unit>& out) {
-  if (!converted) {
-    SetLastErrorCode(failure);
+int Convert(const Transforms<In, Out>& transforms, uint32_t codePage, uint32_t flags,
+            const In* text, int length, Out* output, int outputSize) {
+  if (text == nullptr || length == 0 || length < -1 || outputSize < 0 ||
+      (outputSize > 0 && output == nullptr)) {
+    SetLastErrorCode(kErrorInvalidParameter);
     return 0;
   }
-  if (out.overflow()) {
-    SetLastErrorCode(kErrorInsufficientBuffer);
+  const std::basic_string_view<In> input(text, length == -1 ? TerminatedLength(text) : length);
+  BoundedWriter<Out> out(output, outputSize);
+  uint32_t failure = 0;
+  switch (codePage) {
+    case kCodePageUtf8:
+      if ((flags & ~transforms.strictFlag) != 0) {
+        failure = kErrorInvalidFlags;
+      } else if (!transforms.utf8(input, flags != 0, out)) {
+        failure = kErrorNoUnicodeTranslation;
+      }
+      break;
+    case kCodePageUtf7:
+      if (flags != 0) {
+        failure = kErrorInvalidFlags;
+      } else {
+        transforms.utf7(input, out);
+      }
+      break;
+    default:
+      failure = kErrorInvalidParameter;
+      break;
+  }
+  if (failure == 0 && out.overflow()) failure = kErrorInsufficientBuffer;
+  if (failure != 0) {
+    SetLastErrorCode(failure);
     return 0;
   }
   return out.count();
@@ -44,50 +73,12 @@ int Finish(bool converted, uint32_t failure, const BoundedWriter<Unit>& out) {
 
 int WideToMultiByte(uint32_t codePage, uint32_t flags, const char16_t* text, int length,
                     char* output, int outputSize) {
-  if (!ValidArguments(text, length, output, outputSize)) {
-    SetLastErrorCode(kErrorInvalidParameter);
-    return 0;
-  }
-  const std::u16string_view input(text, length == -1 ? TerminatedLength(text) : length);
-  BoundedWriter<char> out(output, outputSize);
-  switch (codePage) {
-    case kCodePageUtf8:
-      if ((flags & ~kWideFailOnInvalid) != 0) break;
-      return Finish(Utf16ToUtf8(input, flags != 0, out), kErrorNoUnicodeTranslation, out);
-    case kCodePageUtf7:
-      if (flags != 0) break;
-      Utf16ToUtf7(input, out);
-      return Finish(true, 0, out);
-    default:
-      SetLastErrorCode(kErrorInvalidParameter);
-      return 0;
-  }
-  SetLastErrorCode(kErrorInvalidFlags);
-  return 0;
+  return Convert(kToMultiByte, codePage, flags, text, length, output, outputSize);
 }
 
 int MultiByteToWide(uint32_t codePage, uint32_t flags, const char* text, int length,
                     char16_t* output, int outputSize) {
-  if (!ValidArguments(text, length, output, outputSize)) {
-    SetLastErrorCode(kErrorInvalidParameter);
-    return 0;
-  }
-  const std::string_view input(text, length == -1 ? TerminatedLength(text) : length);
-  BoundedWriter<char16_t> out(output, outputSize);
-  switch (codePage) {
-    case kCodePageUtf8:
-      if ((flags & ~kFailOnInvalidChars) != 0) break;
-      return Finish(Utf8ToUtf16(input, flags != 0, out), kErrorNoUnicodeTranslation, out);
-    case kCodePageUtf7:
-      if (flags != 0) break;
-      Utf7ToUtf16(input, out);
-      return Finish(true, 0, out);
-    default:
-      SetLastErrorCode(kErrorInvalidParameter);
-      return 0;
-  }
-  SetLastErrorCode(kErrorInvalidFlags);
-  return 0;
+  return Convert(kToWide, codePage, flags, text, length, output, outputSize);
 }
 
 }  // namespace fe::platform
