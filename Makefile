@@ -35,7 +35,7 @@ native: bootstrap
 	@cmake --build $(BUILD)/native -j$(JOBS)
 
 asan: bootstrap
-	@$(CMAKE) -S . -B $(BUILD)/asan -DCMAKE_BUILD_TYPE=Debug -DFE_SANITIZE=ON >/dev/null
+	@$(CMAKE) -S . -B $(BUILD)/asan -DCMAKE_BUILD_TYPE=RelWithDebInfo -DFE_SANITIZE=ON >/dev/null
 	@cmake --build $(BUILD)/asan -j$(JOBS)
 
 win64 win32: bootstrap

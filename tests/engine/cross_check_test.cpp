@@ -105,6 +105,7 @@ TEST(CrossCheck, QuotedPrintableAgainstPython) {
     for (uint32_t wrap : {0u, static_cast<uint32_t>(dataEncodeWrapLines)}) {
       const std::string ours = Encode(data, dataEncodeQuoted | wrap);
       EXPECT_EQ(Python("binascii.a2b_qp(data)", ToBytes(ours)), data);
+      EXPECT_EQ(Python("__import__('quopri').decodestring(data)", ToBytes(ours)), data);
     }
     const Bytes theirs = Python("binascii.b2a_qp(data, quotetabs=True)", data);
     if (std::find(theirs.begin(), theirs.end(), '\n') == theirs.end()) {
