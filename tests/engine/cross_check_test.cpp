@@ -209,6 +209,32 @@ TEST(CrossCheck, Utf7AndUtf8AgainstPython) {
   }
 }
 
+TEST(CrossCheck, EncryptionAgainstOpensslCommandLine) {
+  Bytes probe;
+  if (!RunTool("openssl version >/dev/null", {}, probe)) {
+    GTEST_SKIP() << "cross-check cannot run: openssl command missing";
+  }
+  for (size_t size : {0u, 1u, 4096u, 10000u, 12345u}) {
+    const Bytes plain = RandomBytes(size, static_cast<uint32_t>(size) + 7);
+    Bytes ours(size + 16);
+    uint32_t length = static_cast<uint32_t>(ours.size());
+    ASSERT_TRUE(EncryptBuffer("p\xc3\xa4ss", size ? plain.data() : ours.data(),
+                              static_cast<uint32_t>(size), ours.data(), &length));
+    ours.resize(length);
+    // The key is SHA-256 of the identifier text and the password's bytes.
+    const Bytes key = Python(
+        "__import__('hashlib').sha256(b'{fd91a26c-3e37-4b0c-bbc2-cb031bf7130a}' + "
+        "'p\\u00e4ss'.encode()).hexdigest().encode()",
+        {});
+    Bytes theirs;
+    ASSERT_TRUE(RunTool("openssl enc -aes-256-cbc -K " + ToString(key) + " -iv " +
+                            std::string(32, '0') + " -in {in}",
+                        plain, theirs));
+    // An empty buffer encrypts to nothing here; OpenSSL pads it to a block.
+    EXPECT_EQ(ours, size ? theirs : Bytes{}) << size;
+  }
+}
+
 }  // namespace
 }  // namespace fe::test
 

@@ -153,6 +153,24 @@ FE_API int32_t Base85Decode(const char* text, int32_t length, uint8_t* output, i
 FE_API int32_t Z85Encode(const uint8_t* input, int32_t length, char* output, int32_t capacity);
 FE_API int32_t Z85Decode(const char* text, uint8_t* output, int32_t capacity);
 
+/* ---- Encryption: AES-256-CBC, zero IV, PKCS#7, key from the password ---- */
+
+/* *outputLength: the capacity on entry, the bytes written on return (0 on
+ * failure). Non-zero on success, which also clears the last error. An empty
+ * input gives an empty output. */
+FE_API int EncryptBuffer(const char* password, const uint8_t* input, uint32_t inputLength,
+                         uint8_t* output, uint32_t* outputLength);
+FE_API int DecryptBuffer(const char* password, const uint8_t* input, uint32_t inputLength,
+                         uint8_t* output, uint32_t* outputLength);
+
+/* Cipher text is Base64 without padding. Capacities count the terminator.
+ * Both return the length of the text written; 0 means failure when the last
+ * error is set. */
+FE_API int32_t EncryptText(const char* password, const char* plainText, int32_t reserved,
+                           char* cipherText, int32_t cipherCapacity);
+FE_API int32_t DecryptText(const char* password, const char* cipherText, char* plainText,
+                           int32_t plainCapacity);
+
 /* ---- Data compression (zlib stream, level 9) ---- */
 
 /* With output: *length is the capacity on entry and the compressed length on

@@ -40,4 +40,19 @@ int MultiByteToWide(uint32_t codePage, uint32_t flags, const char* text, int len
 // length, 0 when there is no text.
 int FormatMessageText(uint32_t code, char* buffer, int size);
 
+// AES-256 in CBC mode with a zero IV and PKCS#7 padding, keyed with the
+// SHA-256 digest of the key material: CryptoAPI's PROV_RSA_AES provider,
+// CALG_SHA_256 hash and CALG_AES_256 key derived with no flags. Failures
+// return the service's code (NTE_BAD_DATA for bad padding or length).
+struct CipherKey;
+inline constexpr uint32_t kBadData = 0x80090005;  // NTE_BAD_DATA
+
+uint32_t OpenCipherKey(const uint8_t* material, size_t length, CipherKey** key);
+// Encrypts or decrypts `*length` bytes in place (CryptEncrypt/CryptDecrypt):
+// chunks before the final one are whole blocks; the final one is padded or
+// unpadded. bufferSize is the room for the padded result.
+uint32_t CipherTransform(CipherKey* key, bool encrypt, bool final, uint8_t* data,
+                         uint32_t* length, uint32_t bufferSize);
+void CloseCipherKey(CipherKey* key);
+
 }  // namespace fe::platform
