@@ -37,7 +37,7 @@ constexpr Identifier ParseIdentifier(const char* text) {
   return id;
 }
 
-constexpr Identifier kKeyIdentifier = ParseIdentifier(FE_UUID_STRING(FE_UUID_KEY_IDENTIFIER));
+constexpr Identifier kKeyIdentifier = ParseIdentifier(FE_UUID_KEY_IDENTIFIER);
 
 }  // namespace
 

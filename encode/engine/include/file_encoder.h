@@ -23,6 +23,14 @@
 extern "C" {
 #endif
 
+/* The full form of a control error number N, as stored as last error. */
+#define FE_CONTROL_ERROR(n) (0x80040000u | (uint32_t)(n))
+
+/* The control's type library declares the same enumerations below; a
+ * program that includes the header generated from it first gets them from
+ * there. */
+#ifndef __FileEncoderCtl_LIBRARY_DEFINED__
+
 /* The control's error numbers N; the code stored as last error is
  * FE_CONTROL_ERROR(N) = 0x80040000 | N. */
 typedef enum ErrorCodes {
@@ -32,8 +40,6 @@ typedef enum ErrorCodes {
 #undef FE_ERROR_CODE
 #undef FE_ERROR_MESSAGE
 } ErrorCodes;
-
-#define FE_CONTROL_ERROR(n) (0x80040000u | (uint32_t)(n))
 
 /* Encoding numbers of EncodeBuffer and DecodeBuffer (bits 0-15 of flags)
  * and the flag bits above them; one enumeration so that they combine freely. */
@@ -64,6 +70,8 @@ enum EncoderDataConstants {
   fileDecodeCompressed = 65536, /* expand after decoding */
   dataEncodeWrapLines = 131072  /* Base64 and Base32: 72-column CR LF lines */
 };
+
+#endif /* __FileEncoderCtl_LIBRARY_DEFINED__ */
 
 /* ---- Last error and messages ---- */
 

@@ -1,5 +1,7 @@
-#include <wincrypt.h>
+// windows.h must come first.
 #include <windows.h>
+
+#include <wincrypt.h>
 
 #include "platform/platform.h"
 

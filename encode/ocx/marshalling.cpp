@@ -1,0 +1,209 @@
+#include "marshalling.h"
+
+#include <oleauto.h>
+
+#include <cstring>
+
+namespace fe::ocx {
+
+namespace {
+
+class ScopedVariant {
+ public:
+  ScopedVariant() { ::VariantInit(&value_); }
+  ~ScopedVariant() { ::VariantClear(&value_); }
+  ScopedVariant(const ScopedVariant&) = delete;
+  ScopedVariant& operator=(const ScopedVariant&) = delete;
+  VARIANT* get() { return &value_; }
+
+ private:
+  VARIANT value_;
+};
+
+// Adds 0x10000 to a negative 16-bit value so that flags such as 0x8000
+// passed by hosts with 16-bit integers arrive intact.
+DWORD FoldSixteenBits(LONG value) {
+  return static_cast<DWORD>(value >= -32768 && value < 0 ? value + 0x10000 : value);
+}
+
+}  // namespace
+
+bool IsMissing(const VARIANT& value) {
+  const VARIANT& v = Dereference(value);
+  return v.vt == VT_EMPTY || v.vt == VT_ERROR;
+}
+
+const VARIANT& Dereference(const VARIANT& value) {
+  const VARIANT* v = &value;
+  while (v->vt == (VT_BYREF | VT_VARIANT) && v->pvarVal != nullptr)
+    v = v->pvarVal;
+  return *v;
+}
+
+VARIANT* OutArgument(VARIANT* argument) {
+  if (argument == nullptr) return nullptr;
+  while (argument->vt == (VT_BYREF | VT_VARIANT) && argument->pvarVal != nullptr) {
+    argument = argument->pvarVal;
+  }
+  return argument->vt == VT_ERROR ? nullptr : argument;
+}
+
+void SetOutInteger(VARIANT* argument, LONG value) {
+  VARIANT* target = OutArgument(argument);
+  if (target == nullptr) return;
+  if ((target->vt & VT_BYREF) && (target->vt & VT_TYPEMASK) == VT_I4 && !(target->vt & VT_ARRAY)) {
+    *target->plVal = value;
+    return;
+  }
+  ::VariantClear(target);
+  target->vt = VT_I4;
+  target->lVal = value;
+}
+
+std::string ToMultiByte(const wchar_t* text, size_t length, UINT codePage) {
+  if (length == 0) return {};
+  const int n = ::WideCharToMultiByte(codePage, 0, text, static_cast<int>(length), nullptr, 0,
+                                      nullptr, nullptr);
+  std::string result(static_cast<size_t>(n > 0 ? n : 0), '\0');
+  if (n > 0) {
+    ::WideCharToMultiByte(codePage, 0, text, static_cast<int>(length), result.data(), n, nullptr,
+                          nullptr);
+  }
+  return result;
+}
+
+std::wstring ToWide(const char* text, size_t length, UINT codePage) {
+  if (length == 0) return {};
+  const int n = ::MultiByteToWideChar(codePage, 0, text, static_cast<int>(length), nullptr, 0);
+  std::wstring result(static_cast<size_t>(n > 0 ? n : 0), L'\0');
+  if (n > 0) {
+    ::MultiByteToWideChar(codePage, 0, text, static_cast<int>(length), result.data(), n);
+  }
+  return result;
+}
+
+HRESULT GetUtf8Argument(const VARIANT& value, std::string* text, bool* present) {
+  *present = false;
+  text->clear();
+  if (IsMissing(value)) return S_OK;
+  ScopedVariant converted;
+  // Numbers become their decimal text.
+  const HRESULT hr = ::VariantChangeType(converted.get(), const_cast<VARIANT*>(&value), 0, VT_BSTR);
+  if (FAILED(hr)) return hr;
+  const BSTR string = converted.get()->bstrVal;
+  if (string == nullptr) return S_OK;
+  *text = ToMultiByte(string, wcslen(string), CP_UTF8);
+  *present = true;
+  return S_OK;
+}
+
+HRESULT GetOptionalInteger(const VARIANT* value, DWORD fallback, DWORD* result) {
+  if (value == nullptr || result == nullptr) return E_INVALIDARG;
+  if (IsMissing(*value)) {
+    *result = fallback;
+    return S_OK;
+  }
+  if (value->vt & VT_BYREF) {
+    ScopedVariant converted;
+    const HRESULT hr = ::VariantChangeType(converted.get(), const_cast<VARIANT*>(value), 0, VT_I4);
+    if (FAILED(hr)) return hr;
+    *result = static_cast<DWORD>(converted.get()->lVal);
+    return S_OK;
+  }
+  switch (value->vt) {
+    case VT_I2:
+      *result = FoldSixteenBits(value->iVal);
+      return S_OK;
+    case VT_I4:
+      *result = FoldSixteenBits(value->lVal);
+      return S_OK;
+    default: {
+      ScopedVariant converted;
+      const HRESULT hr =
+          ::VariantChangeType(converted.get(), const_cast<VARIANT*>(value), 0, VT_I4);
+      if (FAILED(hr)) return hr;
+      *result = static_cast<DWORD>(converted.get()->lVal);
+      return S_OK;
+    }
+  }
+}
+
+HRESULT GetDataInput(const VARIANT& argument, UINT codePage, DataInput* input) {
+  if (argument.vt == VT_ERROR) return E_INVALIDARG;
+  const VARIANT* value = &argument;
+  if ((argument.vt & VT_TYPEMASK) == VT_VARIANT) {
+    if (!(argument.vt & VT_BYREF) || (argument.vt & VT_ARRAY) || argument.pvarVal == nullptr) {
+      return E_INVALIDARG;
+    }
+    value = argument.pvarVal;
+  }
+  const bool byReference = (value->vt & VT_BYREF) != 0;
+  if (value->vt & VT_ARRAY) {
+    SAFEARRAY* array = byReference ? *value->pparray : value->parray;
+    if (array != nullptr && ::SafeArrayGetDim(array) != 1) return kInvalidCall;
+    if ((value->vt & VT_TYPEMASK) != VT_UI1) return E_INVALIDARG;
+    if (array == nullptr) return S_FALSE;
+    input->data = static_cast<const BYTE*>(array->pvData);
+    input->length = array->rgsabound[0].cElements;
+    return input->length == 0 ? S_FALSE : S_OK;
+  }
+  if ((value->vt & VT_TYPEMASK) != VT_BSTR) return E_INVALIDARG;
+  const BSTR string = byReference ? *value->pbstrVal : value->bstrVal;
+  const size_t length = string == nullptr ? 0 : ::SysStringLen(string);
+  // The input ends at the first zero byte of the converted text.
+  input->text = ToMultiByte(string, length, codePage);
+  input->text.resize(strlen(input->text.c_str()));
+  if (input->text.empty()) return S_FALSE;
+  input->data = reinterpret_cast<const BYTE*>(input->text.data());
+  input->length = static_cast<DWORD>(input->text.size());
+  return S_OK;
+}
+
+HRESULT DataOutput::Prepare(VARIANT* argument) {
+  target_ = OutArgument(argument);
+  if (target_ == nullptr) return E_INVALIDARG;
+  const VARTYPE type = target_->vt & VT_TYPEMASK;
+  if (type == VT_EMPTY || type == VT_BSTR) {
+    return (target_->vt & VT_ARRAY) ? E_INVALIDARG : S_OK;
+  }
+  if (type != VT_UI1 || !(target_->vt & VT_ARRAY)) return E_INVALIDARG;
+  bytes_ = true;
+  SAFEARRAY* array = *Array();
+  if (array != nullptr) {
+    if (::SafeArrayGetDim(array) != 1) return E_INVALIDARG;
+    capacity_ = array->rgsabound[0].cElements;
+  }
+  return S_OK;
+}
+
+SAFEARRAY** DataOutput::Array() const {
+  return (target_->vt & VT_BYREF) ? target_->pparray : &target_->parray;
+}
+
+HRESULT DataOutput::StoreBytes(const BYTE* data, DWORD length) {
+  SAFEARRAY** array = Array();
+  if (array == nullptr) return E_POINTER;
+  if (*array == nullptr) {
+    *array = ::SafeArrayCreateVector(VT_UI1, 0, length);
+    if (*array == nullptr) return kOutOfMemoryError;
+  }
+  // A caller's array keeps its size; only the first `length` bytes change.
+  if (length > 0) std::memcpy((*array)->pvData, data, length);
+  return S_OK;
+}
+
+HRESULT DataOutput::StoreText(const std::wstring& text) {
+  const BSTR string = ::SysAllocStringLen(text.data(), static_cast<UINT>(text.size()));
+  if (string == nullptr) return E_OUTOFMEMORY;
+  if (target_->vt == (VT_BYREF | VT_BSTR)) {
+    ::SysFreeString(*target_->pbstrVal);
+    *target_->pbstrVal = string;
+  } else {
+    ::VariantClear(target_);
+    target_->vt = VT_BSTR;
+    target_->bstrVal = string;
+  }
+  return S_OK;
+}
+
+}  // namespace fe::ocx

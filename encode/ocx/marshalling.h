@@ -1,0 +1,72 @@
+// Turning the variant arguments of IFileEncoder's methods into the strings,
+// integers and byte buffers that the engine takes, and results back into
+// variants. The rules are named as the methods cite them:
+//   S  string argument (UTF-8 for the engine)
+//   I  optional integer option
+//   D  data input (string in the control's code page, or a byte array)
+//   O  data output (string, or a byte array of the caller's or a new one)
+//   R  the Result and Error out-arguments
+#pragma once
+
+#include <windows.h>
+
+#include <oaidl.h>
+
+#include <string>
+
+namespace fe::ocx {
+
+// Argument failures of these rules are returned as the call result as they
+// are: they never go through the error routine.
+inline constexpr HRESULT kInvalidCall = static_cast<HRESULT>(0x800A0005);
+inline constexpr HRESULT kOutOfMemoryError = static_cast<HRESULT>(0x800A0007);
+
+// An omitted optional argument arrives empty or as the error variant.
+bool IsMissing(const VARIANT& value);
+
+// Follows a by-reference variant to the one it wraps.
+const VARIANT& Dereference(const VARIANT& value);
+
+// Rule R: the out-argument's own variant, or null when it was not given.
+VARIANT* OutArgument(VARIANT* argument);
+// Rule R: sets a given out-argument to the 32-bit integer `value`.
+void SetOutInteger(VARIANT* argument, LONG value);
+
+// UTF-16 and 8-bit text in a code page.
+std::string ToMultiByte(const wchar_t* text, size_t length, UINT codePage);
+std::wstring ToWide(const char* text, size_t length, UINT codePage);
+
+// Rule S: *present is false for an omitted argument.
+HRESULT GetUtf8Argument(const VARIANT& value, std::string* text, bool* present);
+
+// Rule I: `fallback` for an omitted argument; negative 16-bit values are
+// folded into their unsigned form.
+HRESULT GetOptionalInteger(const VARIANT* value, DWORD fallback, DWORD* result);
+
+// Rule D.
+struct DataInput {
+  const BYTE* data = nullptr;
+  DWORD length = 0;
+  std::string text;  // the converted string input
+};
+// S_FALSE: nothing to do (an empty string or a null array).
+HRESULT GetDataInput(const VARIANT& value, UINT codePage, DataInput* input);
+
+// Rule O.
+class DataOutput {
+ public:
+  HRESULT Prepare(VARIANT* argument);
+  bool WantsBytes() const { return bytes_; }
+  // The caller's array size, or 0 when the control chooses the capacity.
+  DWORD Capacity() const { return capacity_; }
+  HRESULT StoreBytes(const BYTE* data, DWORD length);
+  HRESULT StoreText(const std::wstring& text);
+
+ private:
+  SAFEARRAY** Array() const;
+  VARIANT* target_ = nullptr;
+  bool bytes_ = false;
+  DWORD capacity_ = 0;
+};
+
+}  // namespace fe::ocx
