@@ -1,6 +1,6 @@
 # FileEncoder: one command builds and tests everything (see README.md).
 #   make test        install what is missing, build every configuration, run every suite
-#   make demo        the example program
+#   make demo        the control, registered under Wine, driven from examples/demo.vbs
 #   make bench       throughput of the codecs (not part of make test)
 #   make fuzz-smoke  each fuzz target for 30 s
 BUILD ?= build
@@ -10,12 +10,16 @@ ROOT := $(CURDIR)
 WINE_RUN := $(ROOT)/scripts/wine-run.sh
 CMAKE := cmake -G Ninja -Wno-dev
 
-.PHONY: test demo bench fuzz-smoke bootstrap native asan win64 win32 fuzz clean
+.PHONY: test demo demo-engine bench fuzz-smoke bootstrap native asan win64 win32 fuzz clean
 
 test: native asan win64 win32 fuzz
 	@scripts/run-suites.sh $(BUILD) 3
 
-demo: native
+demo: win64
+	@scripts/wine-run.sh regsvr32 /s $(ROOT)/$(BUILD)/win64/encode/ocx/FileEncoder.ocx
+	@scripts/wine-run.sh cscript //nologo "$$(winepath -w $(ROOT)/examples/demo.vbs 2>/dev/null)" | tr -d '\r'
+
+demo-engine: native
 	@$(BUILD)/native/examples/encode_demo
 
 bench: bootstrap

@@ -7,7 +7,8 @@ packages=(
   cmake ninja-build make g++ clang libclang-rt-14-dev clang-format
   googletest libgtest-dev libbenchmark-dev
   zlib1g-dev libbz2-dev liblzma-dev libicu-dev libssl-dev
-  mingw-w64 mingw-w64-tools libz-mingw-w64-dev libwine-dev wine wine64 xvfb
+  mingw-w64 mingw-w64-tools libz-mingw-w64-dev libwine-dev wine wine64 xvfb xauth
+  imagemagick
   dpkg-dev python3 python3-base58 coreutils bzip2 xz-utils
 )
 

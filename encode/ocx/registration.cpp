@@ -55,6 +55,7 @@ LSTATUS DeleteTree(const std::wstring& key) {
 HRESULT WriteClassKeys() {
   const std::wstring path = ModulePath();
   const std::wstring classId = GuidText(CLSID_FileEncoder);
+  const std::wstring libraryId = GuidText(LIBID_FileEncoderCtl);
   const std::wstring cls = ClassKey();
   // The class key is replaced whole.
   DeleteTree(cls);
@@ -80,7 +81,7 @@ HRESULT WriteClassKeys() {
       {cls + L"\\ToolboxBitmap32", toolbox.c_str(), nullptr},
       {cls + L"\\MiscStatus", L"0", nullptr},
       {cls + L"\\MiscStatus\\1", kMiscStatus, nullptr},
-      {cls + L"\\TypeLib", GuidText(LIBID_FileEncoderCtl).c_str(), nullptr},
+      {cls + L"\\TypeLib", libraryId.c_str(), nullptr},
       {cls + L"\\Version", L"1.0", nullptr},
   };
   for (const auto& entry : entries) {

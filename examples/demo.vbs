@@ -1,0 +1,66 @@
+' FileEncoder demo: what the control does with text and data.
+' Run it with: cscript //nologo demo.vbs   (the control must be registered)
+Option Explicit
+
+Dim fe
+Set fe = CreateObject("Orvane.FileEncoder")
+WScript.Echo "Orvane File Encoding Control " & fe.Version
+WScript.Echo ""
+
+' --- Encoded text ---------------------------------------------------------
+' Write EncodedText and read DecodedText to decode; write DecodedText and
+' read EncodedText to encode. Encoding selects the scheme.
+fe.Encoding = 1   ' dataEncodeBase64
+fe.EncodedText = "SGVsbG8sIFdvcmxkIQ=="
+WScript.Echo "Base64 'SGVsbG8sIFdvcmxkIQ==' decodes to: " & fe.DecodedText
+
+fe.Encoding = 4   ' dataEncodeUTF7
+fe.DecodedText = "1+1=2, isn't it?"
+WScript.Echo "UTF-7 of '1+1=2, isn't it?':           " & fe.EncodedText
+
+fe.Encoding = 3   ' dataEncodeURL
+fe.EncodedText = "50%25%20off%21%20Today%20only%2E"
+WScript.Echo "URL '50%25%20off%21%20Today%20only%2E':   " & fe.DecodedText
+WScript.Echo ""
+
+' --- Compression ----------------------------------------------------------
+Dim text, packed, length, unpacked
+text = "To be, or not to be, that is the question. "
+text = text & text & text & text
+fe.CompressData text, packed, length
+WScript.Echo "CompressData (" & Len(text) & " characters) gives " & length & _
+  " characters of Base64: " & packed
+fe.ExpandData packed, unpacked, length
+WScript.Echo "ExpandData gives back " & length & " characters: " & unpacked
+WScript.Echo ""
+
+' --- Encryption -----------------------------------------------------------
+fe.Password = "correct horse battery staple"
+fe.DecryptedText = "Meet me at the usual place."
+Dim cipher
+cipher = fe.EncryptedText
+WScript.Echo "EncryptedText: " & cipher
+fe.EncryptedText = cipher
+WScript.Echo "DecryptedText: " & fe.DecryptedText
+
+Dim sealed, opened
+fe.EncryptData "Data methods take strings or byte arrays.", sealed, "another password", length
+fe.DecryptData sealed, opened, "another password", length
+WScript.Echo "EncryptData/DecryptData round trip: " & opened
+WScript.Echo ""
+
+' --- Errors ---------------------------------------------------------------
+' Failures set LastError and LastErrorString; methods report through their
+' Result or Error argument too.
+fe.DecryptData sealed, opened, "wrong password", length
+WScript.Echo "Decrypting with a wrong password: LastError " & fe.LastError & _
+  " (" & fe.LastErrorString & ")"
+fe.LastError = 12350
+WScript.Echo "Error 12350 reads: " & fe.LastErrorString
+
+' Invalid property values raise a script error.
+On Error Resume Next
+fe.Encoding = 42
+WScript.Echo "Setting Encoding = 42 raises error " & Err.Number
+Err.Clear
+On Error GoTo 0
