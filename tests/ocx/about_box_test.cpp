@@ -53,8 +53,8 @@ class AboutBox : public ControlTest {};
 
 TEST_F(AboutBox, ShowsCaptionTextsAndVersion) {
   DialogSeen seen;
-  const auto watcher = reinterpret_cast<HANDLE>(
-      _beginthreadex(nullptr, 0, WatchForDialog, &seen, 0, nullptr));
+  const auto watcher =
+      reinterpret_cast<HANDLE>(_beginthreadex(nullptr, 0, WatchForDialog, &seen, 0, nullptr));
   ASSERT_EQ(control_->Method(L"About", {}), S_OK);
   ::WaitForSingleObject(watcher, INFINITE);
   ::CloseHandle(watcher);
@@ -66,7 +66,8 @@ TEST_F(AboutBox, ShowsCaptionTextsAndVersion) {
                                               std::wstring(L"Version ") + version, L"OK"};
   ::SysFreeString(version);
   for (const std::wstring& text : expected) {
-    EXPECT_NE(std::find(seen.texts.begin(), seen.texts.end(), text), seen.texts.end()) << text.c_str();
+    EXPECT_NE(std::find(seen.texts.begin(), seen.texts.end(), text), seen.texts.end())
+        << text.c_str();
   }
   EXPECT_EQ(seen.texts.size(), 4u);  // the notice line too
 }

@@ -90,7 +90,8 @@ class Dispatch {
   HRESULT Call(const wchar_t* name, WORD flags, std::vector<VARIANT*> arguments,
                VARIANT* result = nullptr, EXCEPINFO* exception = nullptr) {
     std::vector<VARIANT> reversed;
-    for (auto it = arguments.rbegin(); it != arguments.rend(); ++it) reversed.push_back(**it);
+    for (auto it = arguments.rbegin(); it != arguments.rend(); ++it)
+      reversed.push_back(**it);
     DISPPARAMS params = {reversed.data(), nullptr, static_cast<UINT>(reversed.size()), 0};
     DISPID named = DISPID_PROPERTYPUT;
     if (flags == DISPATCH_PROPERTYPUT) {
@@ -100,8 +101,8 @@ class Dispatch {
     EXCEPINFO local = {};
     EXCEPINFO* info = exception != nullptr ? exception : &local;
     UINT argumentError = 0;
-    HRESULT hr = object_->Invoke(IdOf(name), IID_NULL, LOCALE_USER_DEFAULT, flags, &params,
-                                 result, info, &argumentError);
+    HRESULT hr = object_->Invoke(IdOf(name), IID_NULL, LOCALE_USER_DEFAULT, flags, &params, result,
+                                 info, &argumentError);
     if (hr == DISP_E_EXCEPTION) {
       hr = info->scode;
       if (info == &local) {

@@ -18,10 +18,10 @@ class DesignMode : public ControlTest {
   }
 };
 
-const wchar_t* const kGuardedReads[] = {L"CodePage",  L"DecodedText",     L"DecryptedText",
-                                         L"EncodedText", L"Encoding",     L"EncryptedText",
-                                         L"LastError", L"LastErrorString", L"Password",
-                                         L"State",     L"ThrowError",      L"Version"};
+const wchar_t* const kGuardedReads[] = {L"CodePage",    L"DecodedText",     L"DecryptedText",
+                                        L"EncodedText", L"Encoding",        L"EncryptedText",
+                                        L"LastError",   L"LastErrorString", L"Password",
+                                        L"State",       L"ThrowError",      L"Version"};
 
 TEST_F(DesignMode, EveryGuardedReadFails) {
   AmbientSite site(false, true);

@@ -3,8 +3,7 @@
 namespace fe::test {
 namespace {
 
-class ErrorReporting : public ControlTest {
-};
+class ErrorReporting : public ControlTest {};
 
 TEST_F(ErrorReporting, ErrorInformationNamesTheControl) {
   Variant plain(L"a secret message"), cipher, length, right(L"right"), wrong(L"wrong");

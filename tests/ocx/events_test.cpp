@@ -107,9 +107,9 @@ TEST_F(Events, SinkWithoutDispatchCannotConnect) {
 
 TEST_F(Events, OneConnectionPointIsEnumerated) {
   IConnectionPointContainer* container = nullptr;
-  ASSERT_EQ(encoder_->QueryInterface(IID_IConnectionPointContainer,
-                                     reinterpret_cast<void**>(&container)),
-            S_OK);
+  ASSERT_EQ(
+      encoder_->QueryInterface(IID_IConnectionPointContainer, reinterpret_cast<void**>(&container)),
+      S_OK);
   IEnumConnectionPoints* points = nullptr;
   ASSERT_EQ(container->EnumConnectionPoints(&points), S_OK);
   IConnectionPoint* found[2] = {};

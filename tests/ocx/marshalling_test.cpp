@@ -5,7 +5,9 @@ namespace {
 
 class Marshalling : public ControlTest {};
 
-std::vector<BYTE> Text(const char* text) { return std::vector<BYTE>(text, text + strlen(text)); }
+std::vector<BYTE> Text(const char* text) {
+  return std::vector<BYTE>(text, text + strlen(text));
+}
 
 TEST_F(Marshalling, TwoDimensionalInputArrayIsAnInvalidCall) {
   Variant input;
@@ -94,7 +96,8 @@ TEST_F(Marshalling, PrintableByteArrayIsTriedAsBase64First) {
   ASSERT_EQ(control_->Method(L"CompressData", {input.get(), &packedRef, &resultRef}), S_OK);
   ASSERT_EQ(packed->vt, VT_BSTR);
   std::vector<BYTE> text;
-  for (const wchar_t* c = packed->bstrVal; *c; ++c) text.push_back(static_cast<BYTE>(*c));
+  for (const wchar_t* c = packed->bstrVal; *c; ++c)
+    text.push_back(static_cast<BYTE>(*c));
   Variant array, output, length;
   array->vt = VT_ARRAY | VT_UI1;
   array->parray = ByteArray(text);

@@ -16,21 +16,22 @@ class TypeLibrary : public ControlTest {
 
 TEST_F(TypeLibrary, MethodsAndPropertiesHaveTheirDispatchIds) {
   const std::pair<const wchar_t*, DISPID> expected[] = {
-      {L"Enabled", -514},       {L"About", -552},         {L"DecodedText", 1},
-      {L"DecryptedText", 2},    {L"EncodedText", 3},      {L"Encoding", 4},
-      {L"EncryptedText", 5},    {L"LastError", 6},        {L"LastErrorString", 7},
-      {L"Password", 8},         {L"State", 9},            {L"ThrowError", 10},
-      {L"Version", 11},         {L"CompressBuffer", 12},  {L"CompressData", 13},
-      {L"CompressFile", 14},    {L"DecodeFile", 15},      {L"DecryptData", 16},
-      {L"DecryptFile", 17},     {L"EncodeFile", 18},      {L"EncryptData", 19},
-      {L"EncryptFile", 20},     {L"ExpandBuffer", 21},    {L"ExpandData", 22},
-      {L"ExpandFile", 23},      {L"Initialize", 24},      {L"Reset", 25},
-      {L"Uninitialize", 26},    {L"CompareFile", 27},     {L"CodePage", 28},
-      {L"CreateToken", 29},     {L"CreateUuid7", 30},     {L"CreateUuid8", 31},
-      {L"FilterHtml", 32},      {L"FilterMarkdown", 33},  {L"FilterUnicode", 34},
-      {L"IsConfusable", 35},    {L"IsValidUtf8", 36},     {L"StrToUtf8", 37},
+      {L"Enabled", -514},    {L"About", -552},        {L"DecodedText", 1},
+      {L"DecryptedText", 2}, {L"EncodedText", 3},     {L"Encoding", 4},
+      {L"EncryptedText", 5}, {L"LastError", 6},       {L"LastErrorString", 7},
+      {L"Password", 8},      {L"State", 9},           {L"ThrowError", 10},
+      {L"Version", 11},      {L"CompressBuffer", 12}, {L"CompressData", 13},
+      {L"CompressFile", 14}, {L"DecodeFile", 15},     {L"DecryptData", 16},
+      {L"DecryptFile", 17},  {L"EncodeFile", 18},     {L"EncryptData", 19},
+      {L"EncryptFile", 20},  {L"ExpandBuffer", 21},   {L"ExpandData", 22},
+      {L"ExpandFile", 23},   {L"Initialize", 24},     {L"Reset", 25},
+      {L"Uninitialize", 26}, {L"CompareFile", 27},    {L"CodePage", 28},
+      {L"CreateToken", 29},  {L"CreateUuid7", 30},    {L"CreateUuid8", 31},
+      {L"FilterHtml", 32},   {L"FilterMarkdown", 33}, {L"FilterUnicode", 34},
+      {L"IsConfusable", 35}, {L"IsValidUtf8", 36},    {L"StrToUtf8", 37},
       {L"Utf8ToStr", 38}};
-  for (const auto& [name, id] : expected) EXPECT_EQ(control_->IdOf(name), id) << name;
+  for (const auto& [name, id] : expected)
+    EXPECT_EQ(control_->IdOf(name), id) << name;
 }
 
 TEST_F(TypeLibrary, ArgumentNamesAreThoseOfTheInterface) {
