@@ -22,18 +22,6 @@ constexpr int kDigitsPerLimb = 5;
 
 constexpr auto kValueOf = fe::codecs::InverseAlphabet(kAlphabet, kNotInAlphabet);
 
-// A zero-filled work area from the platform heap; the reason for a failed
-// allocation is reported as ERROR_OUTOFMEMORY like the other codecs do.
-template <typename T>
-struct WorkArea {
-  explicit WorkArea(size_t count)
-      : data(static_cast<T*>(fe::platform::AllocateZeroed(count * sizeof(T)))) {}
-  ~WorkArea() { fe::platform::Release(data); }
-  WorkArea(const WorkArea&) = delete;
-  WorkArea& operator=(const WorkArea&) = delete;
-  T* data;
-};
-
 }  // namespace
 
 extern "C" {
@@ -53,8 +41,9 @@ int32_t Base58Encode(const uint8_t* input, int32_t length, char* output, int32_t
   // Little-endian limbs of five base-58 digits; the input is taken in
   // big-endian 32-bit words, the first word holding the odd bytes.
   const size_t maxDigits = static_cast<size_t>(length - zeros) * 138 / 100 + 1;
-  WorkArea<uint32_t> limbs(maxDigits / kDigitsPerLimb + 2);
-  if (limbs.data == nullptr) return fe::FailWith(fe::kErrorOutOfMemory);
+  fe::platform::ZeroedBlock<uint32_t> block(maxDigits / kDigitsPerLimb + 2);
+  uint32_t* const limbs = block.data();
+  if (limbs == nullptr) return fe::FailWith(fe::kErrorOutOfMemory);
   size_t used = 0;
   int32_t i = zeros;
   while (i < length) {
@@ -65,19 +54,19 @@ int32_t Base58Encode(const uint8_t* input, int32_t length, char* output, int32_t
     i += take;
     const uint64_t scale = uint64_t{1} << (8 * take);
     for (size_t j = 0; j < used; ++j) {
-      const uint64_t x = limbs.data[j] * scale + carry;
-      limbs.data[j] = static_cast<uint32_t>(x % kLimbBase);
+      const uint64_t x = limbs[j] * scale + carry;
+      limbs[j] = static_cast<uint32_t>(x % kLimbBase);
       carry = x / kLimbBase;
     }
     while (carry != 0) {
-      limbs.data[used++] = static_cast<uint32_t>(carry % kLimbBase);
+      limbs[used++] = static_cast<uint32_t>(carry % kLimbBase);
       carry /= kLimbBase;
     }
   }
   // Digits, least significant first, without the top limb's leading zeros.
   int64_t digits = static_cast<int64_t>(used) * kDigitsPerLimb;
   if (used > 0) {
-    for (uint32_t top = limbs.data[used - 1]; top < kLimbBase / 58 && digits > 1; top *= 58) {
+    for (uint32_t top = limbs[used - 1]; top < kLimbBase / 58 && digits > 1; top *= 58) {
       --digits;
     }
   }
@@ -86,7 +75,7 @@ int32_t Base58Encode(const uint8_t* input, int32_t length, char* output, int32_t
   char* out = output + zeros + digits;
   *out = '\0';
   for (size_t j = 0; j < used; ++j) {
-    uint32_t limb = limbs.data[j];
+    uint32_t limb = limbs[j];
     for (int d = 0; d < kDigitsPerLimb && out > output + zeros; ++d) {
       *--out = kAlphabet[limb % 58];
       limb /= 58;
@@ -104,8 +93,9 @@ int32_t Base58Decode(const char* text, uint8_t* output, int32_t capacity) {
     ++ones;
 
   const size_t maxBytes = (length - ones) * 733 / 1000 + 1;
-  WorkArea<uint32_t> limbs(maxBytes / 4 + 2);
-  if (limbs.data == nullptr) return fe::FailWith(fe::kErrorOutOfMemory);
+  fe::platform::ZeroedBlock<uint32_t> block(maxBytes / 4 + 2);
+  uint32_t* const limbs = block.data();
+  if (limbs == nullptr) return fe::FailWith(fe::kErrorOutOfMemory);
   size_t used = 0;
   size_t i = ones;
   while (i < length) {
@@ -120,18 +110,18 @@ int32_t Base58Decode(const char* text, uint8_t* output, int32_t capacity) {
     }
     i += take;
     for (size_t j = 0; j < used; ++j) {
-      const uint64_t x = limbs.data[j] * scale + carry;
-      limbs.data[j] = static_cast<uint32_t>(x);
+      const uint64_t x = limbs[j] * scale + carry;
+      limbs[j] = static_cast<uint32_t>(x);
       carry = x >> 32;
     }
     while (carry != 0) {
-      limbs.data[used++] = static_cast<uint32_t>(carry);
+      limbs[used++] = static_cast<uint32_t>(carry);
       carry >>= 32;
     }
   }
   size_t bytes = used * 4;
   if (used > 0) {
-    for (uint32_t top = limbs.data[used - 1]; (top >> 24) == 0 && bytes > 0; top <<= 8)
+    for (uint32_t top = limbs[used - 1]; (top >> 24) == 0 && bytes > 0; top <<= 8)
       --bytes;
   }
   if (ones + bytes > static_cast<size_t>(capacity < 0 ? 0 : capacity)) {
@@ -142,7 +132,7 @@ int32_t Base58Decode(const char* text, uint8_t* output, int32_t capacity) {
   uint8_t* out = output + ones + bytes;
   for (size_t j = 0; j < used && out > output + ones; ++j) {
     for (int k = 0; k < 4 && out > output + ones; ++k)
-      *--out = static_cast<uint8_t>(limbs.data[j] >> (8 * k));
+      *--out = static_cast<uint8_t>(limbs[j] >> (8 * k));
   }
   return static_cast<int32_t>(ones + bytes);
 }

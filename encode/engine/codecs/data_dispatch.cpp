@@ -22,20 +22,6 @@ constexpr uint32_t kHighestEncoding = dataEncodeZ85;
 constexpr int32_t kFinisherReserve = 5;
 constexpr int32_t kFinisherScratch = 128;
 
-// A zero-filled block from the platform heap, freed on scope exit.
-class WorkBuffer {
- public:
-  explicit WorkBuffer(size_t size)
-      : data_(static_cast<uint8_t*>(fe::platform::AllocateZeroed(size))) {}
-  ~WorkBuffer() { fe::platform::Release(data_); }
-  WorkBuffer(const WorkBuffer&) = delete;
-  WorkBuffer& operator=(const WorkBuffer&) = delete;
-  uint8_t* data() const { return data_; }
-
- private:
-  uint8_t* data_;
-};
-
 // The chunk coders of Base64 and Base32 leave their last group to a
 // finisher: run the chunk with room for a terminator, require five bytes
 // after it, then append the finisher's text.
@@ -172,7 +158,7 @@ int32_t EncodeBuffer(const void* input, int32_t inputLength, char* output, int32
   // The compressed form is used only when it is strictly shorter; nothing in
   // the output says which was taken. The block is twice the capacity because
   // the UTF-16 rows read the bytes as code units.
-  WorkBuffer work(size_t{2} * static_cast<uint32_t>(outputSize));
+  fe::platform::ZeroedBlock<uint8_t> work(size_t{2} * static_cast<uint32_t>(outputSize));
   if (work.data() == nullptr) return -1;
   uint32_t compressedLength = static_cast<uint32_t>(outputSize);
   if (DeflateBuffer(static_cast<const uint8_t*>(input), inputLength, work.data(),
@@ -195,7 +181,7 @@ int32_t DecodeBuffer(const char* text, void* output, int32_t outputSize, uint32_
   // Decoding with the flag always expands, even text whose data did not
   // shrink and so was encoded uncompressed: such text fails here and must
   // be decoded without the flag. Callers have long relied on this.
-  WorkBuffer work(static_cast<uint32_t>(count));
+  fe::platform::ZeroedBlock<uint8_t> work(static_cast<uint32_t>(count));
   if (work.data() == nullptr) return -1;
   std::memcpy(work.data(), output, static_cast<size_t>(count));
   uint32_t expandedLength = static_cast<uint32_t>(outputSize);

@@ -19,20 +19,6 @@ int64_t Base64Length(int64_t n) {
   return (n * 4 / 3 + 3) & ~int64_t{3};
 }
 
-class ZeroedBlock {
- public:
-  explicit ZeroedBlock(size_t size)
-      : data_(static_cast<uint8_t*>(fe::platform::AllocateZeroed(size))) {}
-  ~ZeroedBlock() { fe::platform::Release(data_); }
-  ZeroedBlock(const ZeroedBlock&) = delete;
-  ZeroedBlock& operator=(const ZeroedBlock&) = delete;
-  uint8_t* data() const { return data_; }
-  char* chars() const { return reinterpret_cast<char*>(data_); }
-
- private:
-  uint8_t* data_;
-};
-
 // Copies text into a caller's buffer of `capacity` characters, cut to fit.
 void CopyText(const char* text, size_t length, char* target, int32_t capacity) {
   const size_t copied = std::min(length, static_cast<size_t>(capacity - 1));
@@ -58,7 +44,7 @@ int32_t EncryptText(const char* password, const char* plainText, int32_t /*reser
   if (cipherCapacity <= Base64Length(static_cast<int64_t>(length))) {
     return Fail(fe::kErrorInsufficientBuffer);
   }
-  ZeroedBlock cipher(static_cast<size_t>(cipherCapacity));
+  fe::platform::ZeroedBlock<uint8_t> cipher(static_cast<size_t>(cipherCapacity));
   if (cipher.data() == nullptr) return Fail(fe::kErrorOutOfMemory);
   uint32_t cipherLength = static_cast<uint32_t>(cipherCapacity);
   if (!EncryptBuffer(password, reinterpret_cast<const uint8_t*>(plainText),
@@ -67,14 +53,14 @@ int32_t EncryptText(const char* password, const char* plainText, int32_t /*reser
   }
   // An empty plain text encrypts to nothing: an empty cipher text, success.
   if (cipherLength == 0) return 0;
-  ZeroedBlock text(static_cast<size_t>(Base64Length(cipherLength) + 4));
+  fe::platform::ZeroedBlock<char> text(static_cast<size_t>(Base64Length(cipherLength) + 4));
   if (text.data() == nullptr) return Fail(fe::kErrorOutOfMemory);
-  int32_t textLength = Base64Encode(cipher.data(), static_cast<int32_t>(cipherLength), text.chars(),
+  int32_t textLength = Base64Encode(cipher.data(), static_cast<int32_t>(cipherLength), text.data(),
                                     static_cast<int32_t>(Base64Length(cipherLength) + 4));
   if (textLength < 1 || textLength >= cipherCapacity) return Fail(fe::kErrorInsufficientBuffer);
-  while (textLength > 1 && text.chars()[textLength - 1] == '=')
+  while (textLength > 1 && text.data()[textLength - 1] == '=')
     --textLength;
-  CopyText(text.chars(), static_cast<size_t>(textLength), cipherText, cipherCapacity);
+  CopyText(text.data(), static_cast<size_t>(textLength), cipherText, cipherCapacity);
   return static_cast<int32_t>(std::strlen(cipherText));
 }
 
@@ -84,21 +70,21 @@ int32_t DecryptText(const char* password, const char* cipherText, char* plainTex
   if (plainCapacity <= 1) return Fail(fe::kErrorInsufficientBuffer);
   const size_t textLength = std::strlen(cipherText);
   if (textLength < kShortestCipherText) return Fail(fe::kErrorInvalidData);
-  ZeroedBlock cipher(textLength + 1);
+  fe::platform::ZeroedBlock<uint8_t> cipher(textLength + 1);
   if (cipher.data() == nullptr) return Fail(fe::kErrorOutOfMemory);
   const int32_t cipherLength =
       Base64Decode(cipherText, cipher.data(), static_cast<int32_t>(textLength + 1));
   if (cipherLength < 1) return Fail(fe::kErrorInvalidData);
   if (cipherLength > plainCapacity) return Fail(fe::kErrorInsufficientBuffer);
-  ZeroedBlock plain(static_cast<size_t>(plainCapacity) + 1);
+  fe::platform::ZeroedBlock<char> plain(static_cast<size_t>(plainCapacity) + 1);
   if (plain.data() == nullptr) return Fail(fe::kErrorOutOfMemory);
   uint32_t plainLength = static_cast<uint32_t>(plainCapacity);
   // On failure the caller's text stays as it was and its length is returned;
   // the last error tells the failure apart.
-  if (DecryptBuffer(password, cipher.data(), static_cast<uint32_t>(cipherLength), plain.data(),
-                    &plainLength)) {
-    if (plainLength < static_cast<uint32_t>(plainCapacity)) plain.data()[plainLength] = 0;
-    CopyText(plain.chars(), strnlen(plain.chars(), plainLength), plainText, plainCapacity);
+  if (DecryptBuffer(password, cipher.data(), static_cast<uint32_t>(cipherLength),
+                    reinterpret_cast<uint8_t*>(plain.data()), &plainLength)) {
+    if (plainLength < static_cast<uint32_t>(plainCapacity)) plain.data()[plainLength] = '\0';
+    CopyText(plain.data(), strnlen(plain.data(), plainLength), plainText, plainCapacity);
   }
   return static_cast<int32_t>(std::strlen(plainText));
 }

@@ -22,6 +22,21 @@ uint32_t GetLastErrorCode();
 void* AllocateZeroed(size_t size);
 void Release(void* block);
 
+// `count` zero-filled items from AllocateZeroed, released on scope exit;
+// data() is null when memory is exhausted.
+template <typename T>
+class ZeroedBlock {
+ public:
+  explicit ZeroedBlock(size_t count) : data_(static_cast<T*>(AllocateZeroed(count * sizeof(T)))) {}
+  ~ZeroedBlock() { Release(data_); }
+  ZeroedBlock(const ZeroedBlock&) = delete;
+  ZeroedBlock& operator=(const ZeroedBlock&) = delete;
+  T* data() const { return data_; }
+
+ private:
+  T* data_;
+};
+
 // WideCharToMultiByte(codePage, flags, ..., no default character): converts
 // `length` UTF-16 units. outputSize 0 only measures. Returns the bytes
 // written (or needed), 0 on failure with the reason as last error.
@@ -51,8 +66,8 @@ uint32_t OpenCipherKey(const uint8_t* material, size_t length, CipherKey** key);
 // Encrypts or decrypts `*length` bytes in place (CryptEncrypt/CryptDecrypt):
 // chunks before the final one are whole blocks; the final one is padded or
 // unpadded. bufferSize is the room for the padded result.
-uint32_t CipherTransform(CipherKey* key, bool encrypt, bool final, uint8_t* data,
-                         uint32_t* length, uint32_t bufferSize);
+uint32_t CipherTransform(CipherKey* key, bool encrypt, bool final, uint8_t* data, uint32_t* length,
+                         uint32_t bufferSize);
 void CloseCipherKey(CipherKey* key);
 
 }  // namespace fe::platform
