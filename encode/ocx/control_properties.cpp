@@ -62,7 +62,7 @@ std::wstring ModuleVersion() {
   std::snprintf(text, sizeof text, "%hu.%hu.%hu.%hu", HIWORD(info->dwFileVersionMS),
                 LOWORD(info->dwFileVersionMS), HIWORD(info->dwFileVersionLS),
                 LOWORD(info->dwFileVersionLS));
-  return ToWide(text, strlen(text), CP_ACP);
+  return ToWide(text, strlen(text), CP_THREAD_ACP);
 }
 
 }  // namespace
