@@ -179,6 +179,29 @@ FE_API int32_t EncryptText(const char* password, const char* plainText, int32_t 
 FE_API int32_t DecryptText(const char* password, const char* cipherText, char* plainText,
                            int32_t plainCapacity);
 
+/* ---- Paths and temporary files (at most 260 characters) ---- */
+
+/* Frees what an operation below allocated when given no output buffer. */
+FE_API void EngineFree(void* block);
+
+/* 1 for A to 26 for Z; 0 when the current directory has no drive letter
+ * (always on Linux). */
+FE_API int32_t GetCurrentDrive(void);
+/* The current directory of a drive (0: the process's) into buffer[260];
+ * returns its length, 0 on failure. */
+FE_API uint32_t GetDriveDirectory(int32_t drive, char* buffer);
+/* Resolves "." and ".." segments in place; Windows also turns '/' into '\'. */
+FE_API char* NormalizePath(char* path);
+/* Each returns output, allocated (EngineFree) when null, or null on failure. */
+FE_API char* CombinePath(const char* base, const char* name, char* output);
+FE_API char* GetFullPathFromName(const char* name, char* output);
+FE_API char* GetPathDirectory(const char* name, char* output);
+/* TMP, else TEMP, else the Windows directory's TEMP (on Linux /tmp). */
+FE_API char* GetTempDirectory(char* buffer);
+/* Reserves an empty file "~rXXXXX.tmp" in directory (null: the temporary
+ * directory) and writes its full name into output[260]. */
+FE_API char* CreateTempFileName(const char* directory, const char* reserved, char* output);
+
 /* ---- Data compression (zlib stream, level 9) ---- */
 
 /* With output: *length is the capacity on entry and the compressed length on

@@ -70,4 +70,54 @@ uint32_t CipherTransform(CipherKey* key, bool encrypt, bool final, uint8_t* data
                          uint32_t bufferSize);
 void CloseCipherKey(CipherKey* key);
 
+// ---- Files and paths ----
+// Paths are UTF-8; the Windows build widens them to UTF-16 for every call.
+
+using FileHandle = intptr_t;
+inline constexpr FileHandle kInvalidFile = -1;
+
+enum class FileOpen {
+  kRead,    // read, shared for reading, existing file only, sequential scan
+  kCreate,  // read and write, unshared, always created anew, sequential scan
+};
+
+FileHandle OpenFile(const char* path, FileOpen mode);
+// ReadFile / WriteFile: false with the reason as last error.
+bool ReadFile(FileHandle file, void* buffer, uint32_t size, uint32_t* read);
+bool WriteFile(FileHandle file, const void* buffer, uint32_t size, uint32_t* written);
+bool SeekFile(FileHandle file, int64_t offset);
+bool GetFileSize(FileHandle file, uint64_t* size);
+void CloseFile(FileHandle file);
+
+// GetFileAttributesW: kNoAttributes when the file cannot be examined.
+inline constexpr uint32_t kNoAttributes = 0xFFFFFFFF;
+inline constexpr uint32_t kAttributeDirectory = 0x10;
+inline constexpr uint32_t kAttributeDevice = 0x40;
+uint32_t FileAttributes(const char* path);
+
+bool RemoveFile(const char* path);
+// MoveFileExW with replace-existing and copy-allowed.
+bool MoveFileReplacing(const char* from, const char* to);
+
+// The ANSI path calls of the path helpers (GetCurrentDirectoryA,
+// GetFullPathNameA, GetDriveTypeA, GetWindowsDirectoryA,
+// GetEnvironmentVariableA): counts without the terminator, 0 on failure.
+uint32_t CurrentDirectory(char* buffer, uint32_t size);
+uint32_t FullPathName(const char* name, char* buffer, uint32_t size);
+uint32_t DriveType(const char* root);
+uint32_t WindowsDirectory(char* buffer, uint32_t size);
+uint32_t EnvironmentVariable(const char* name, char* buffer, uint32_t size);
+
+// The path separator and whether paths may begin with a drive letter.
+#ifdef _WIN32
+inline constexpr char kSeparator = '\\';
+inline constexpr bool kHasDrives = true;
+#else
+inline constexpr char kSeparator = '/';
+inline constexpr bool kHasDrives = false;
+#endif
+
+// Milliseconds since an arbitrary start (GetTickCount).
+uint32_t GetTickCount();
+
 }  // namespace fe::platform
