@@ -202,6 +202,17 @@ FE_API char* GetTempDirectory(char* buffer);
  * directory) and writes its full name into output[260]. */
 FE_API char* CreateTempFileName(const char* directory, const char* reserved, char* output);
 
+/* ---- File compression ---- */
+
+/* type: 1 Deflate (zlib stream), 2 bzip2, 3 LZMA-alone; expansion also takes
+ * 0, which detects the method from the first two bytes. level: 0 the
+ * method's default, 1-9. With output null, empty or naming the source, the
+ * source is replaced (through a temporary file beside it). Non-zero on
+ * success. */
+FE_API int CompressFileByType(const char* source, const char* output, uint32_t type,
+                              uint32_t level);
+FE_API int ExpandFileByType(const char* source, const char* output, uint32_t type);
+
 /* ---- Data compression (zlib stream, level 9) ---- */
 
 /* With output: *length is the capacity on entry and the compressed length on

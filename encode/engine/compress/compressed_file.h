@@ -1,0 +1,66 @@
+// What the file compressors share: checking the source, choosing the output
+// (a temporary file beside the source when working in place) and finishing
+// with the move over the source.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+#include "platform/platform.h"
+
+namespace fe::compress {
+
+inline constexpr uint32_t kBufferSize = 8192;
+
+// Checks that the source names a regular file: false with last error 2 for
+// no name, the system's error when it cannot be examined, and 222 (bad file
+// type, a system code on purpose) for a directory or device.
+bool CheckSource(const char* source);
+
+// Where the result goes: the given output, or for in-place work (no output,
+// an empty one, or the source itself) a new temporary file beside the source.
+class Output {
+ public:
+  Output(const char* source, const char* output);
+  bool InPlace() const { return in_place_; }
+  // Empty when no temporary file could be reserved.
+  const std::string& Path() const { return path_; }
+  // Removes the output after a failure.
+  void Discard() const;
+  // In place: moves the result over the source; on failure removes it and
+  // leaves the move's error.
+  bool Commit() const;
+
+ private:
+  std::string source_;
+  std::string path_;
+  bool in_place_;
+};
+
+// Closes a file handle when it goes out of scope.
+class ScopedFile {
+ public:
+  explicit ScopedFile(platform::FileHandle file = platform::kInvalidFile) : file_(file) {}
+  ~ScopedFile() { Close(); }
+  ScopedFile(const ScopedFile&) = delete;
+  ScopedFile& operator=(const ScopedFile&) = delete;
+  platform::FileHandle get() const { return file_; }
+  bool Valid() const { return file_ != platform::kInvalidFile; }
+  void Close() {
+    platform::CloseFile(file_);
+    file_ = platform::kInvalidFile;
+  }
+
+ private:
+  platform::FileHandle file_;
+};
+
+// Writes all of data; false on a failed or short write.
+bool WriteAll(platform::FileHandle file, const uint8_t* data, size_t size);
+
+// The LZMA-alone compressor and expander (type 3).
+bool CompressLzmaFile(const char* source, const char* output, uint32_t level);
+bool ExpandLzmaFile(const char* source, const char* output);
+
+}  // namespace fe::compress
