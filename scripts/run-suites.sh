@@ -45,7 +45,8 @@ run_fuzz_targets() {
   for target in "$build"/fuzz/tests/fuzz/*_fuzz; do
     name=$(basename "$target")
     log=$logs/$name.log
-    if (cd "$logs" && "$target" -max_total_time="$fuzz_seconds" -print_final_stats=1) >"$log" 2>&1; then
+    if (cd "$logs" && "$target" -max_total_time="$fuzz_seconds" -print_final_stats=1 \
+         -malloc_limit_mb=8192) >"$log" 2>&1; then
       passed=$((passed + 1))
       lines+=("$(printf '%-22s    ok  %s' "$name" "$(grep -oE 'Done [0-9]+ runs' "$log")")")
     else

@@ -4,6 +4,7 @@
 // skipped.
 #include <gtest/gtest.h>
 
+#include "temp_folder.h"
 #include "test_support.h"
 
 #ifdef _WIN32
@@ -232,6 +233,55 @@ TEST(CrossCheck, EncryptionAgainstOpensslCommandLine) {
                         plain, theirs));
     // An empty buffer encrypts to nothing here; OpenSSL pads it to a block.
     EXPECT_EQ(ours, size ? theirs : Bytes{}) << size;
+  }
+}
+
+TEST(CrossCheck, CompressedFilesAgainstPythonAndTheCommandLineTools) {
+  TempFolder folder;
+  Bytes data = RandomBytes(300000, 77);
+  for (size_t i = 0; i < data.size(); ++i) {
+    if (i % 5) data[i] = static_cast<uint8_t>("cross check "[i % 12]);
+  }
+  const std::string source = folder.Write("data.bin", data);
+  const struct {
+    uint32_t type;
+    const char* python;  // decompresses `data`
+    const char* tool;    // decompresses {in} to standard output
+  } methods[] = {
+      {1, "zlib.decompress(data)", nullptr},
+      {2, "__import__('bz2').decompress(data)", "bzip2 -dc {in}"},
+      {3, "__import__('lzma').decompress(data, format=__import__('lzma').FORMAT_ALONE)",
+       "xz --format=lzma -dc {in}"},
+  };
+  for (const auto& method : methods) {
+    const std::string packed = folder.Path("packed" + std::to_string(method.type));
+    ASSERT_TRUE(CompressFileByType(source.c_str(), packed.c_str(), method.type, 0));
+    EXPECT_EQ(Python(method.python, TempFolder::Read(packed)), data) << method.type;
+    if (method.tool != nullptr) {
+      Bytes theirs;
+      EXPECT_TRUE(RunTool(method.tool, TempFolder::Read(packed), theirs)) << method.tool;
+      EXPECT_EQ(theirs, data) << method.tool;
+    }
+  }
+  // And what they write, we read, with the method detected.
+  const std::pair<const char*, const char*> writers[] = {
+      {"zlib.compress(data, 9)", nullptr},
+      {"__import__('bz2').compress(data)", "bzip2 -c {in}"},
+      {"__import__('lzma').compress(data, format=__import__('lzma').FORMAT_ALONE)",
+       "xz --format=lzma -c {in}"},
+  };
+  for (const auto& [python, tool] : writers) {
+    const std::string theirs = folder.Write("theirs", Python(python, data));
+    const std::string back = folder.Path("back");
+    EXPECT_TRUE(ExpandFileByType(theirs.c_str(), back.c_str(), 0)) << python;
+    EXPECT_EQ(TempFolder::Read(back), data) << python;
+    if (tool != nullptr) {
+      Bytes packed;
+      ASSERT_TRUE(RunTool(tool, data, packed));
+      const std::string file = folder.Write("tool", packed);
+      EXPECT_TRUE(ExpandFileByType(file.c_str(), back.c_str(), 0)) << tool;
+      EXPECT_EQ(TempFolder::Read(back), data) << tool;
+    }
   }
 }
 

@@ -183,6 +183,12 @@ bool ExpandLzmaFile(const char* source, const char* output) {
   // accepted too); an unknown size needs the end marker.
   filters[0].id = LZMA_FILTER_LZMA1EXT;
   options->ext_flags = LZMA_LZMA1EXT_ALLOW_EOPM;
+  // The window never needs to be larger than what the stream produces: a
+  // header claiming a huge dictionary for a small file costs no more memory
+  // than the file. The bytes decoded are the same either way.
+  if (size != kUnknownSize && size < options->dict_size) {
+    options->dict_size = static_cast<uint32_t>(std::max<uint64_t>(size, LZMA_DICT_SIZE_MIN));
+  }
   lzma_set_ext_size(*options, size == kUnknownSize ? UINT64_MAX : size);
   lzma_stream stream = LZMA_STREAM_INIT;
   const lzma_ret result = lzma_raw_decoder(&stream, filters);

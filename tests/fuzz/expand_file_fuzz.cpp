@@ -1,0 +1,30 @@
+// File expansion of any bytes with every method and with detection: no
+// crash, no spin on truncated streams, and no output left after a failure.
+#include <unistd.h>
+
+#include <cstdio>
+#include <string>
+
+#include "file_encoder.h"
+#include "fuzz_input.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  fe::fuzz::FuzzInput input(data, size);
+  const uint32_t type = input.Take() % 4;
+  const std::vector<uint8_t> bytes = input.Rest();
+  static const std::string folder = [] {
+    char pattern[] = "/tmp/fe_expand_fuzz_XXXXXX";
+    return std::string(mkdtemp(pattern));
+  }();
+  const std::string source = folder + "/source";
+  const std::string output = folder + "/output";
+  FILE* file = std::fopen(source.c_str(), "wb");
+  if (file == nullptr) return 0;
+  std::fwrite(bytes.data(), 1, bytes.size(), file);
+  std::fclose(file);
+  const bool expanded = ExpandFileByType(source.c_str(), output.c_str(), type);
+  if (!expanded && access(output.c_str(), F_OK) == 0) __builtin_trap();
+  std::remove(output.c_str());
+  std::remove(source.c_str());
+  return 0;
+}
