@@ -2,6 +2,7 @@
 // delimiters.
 #include <cstring>
 
+#include "codecs/codec_internal.h"
 #include "codecs/radix85.h"
 #include "errors/last_error.h"
 #include "errors/system_errors.h"
@@ -23,6 +24,55 @@ void PutDigits(uint32_t value, int count, char* out) {
 }
 
 }  // namespace
+
+namespace fe::codecs {
+
+int32_t Base85Decoder::Feed(const char* text, size_t length, uint8_t* out, int64_t capacity) {
+  const auto* in = reinterpret_cast<const uint8_t*>(text);
+  int64_t count = 0;
+  for (size_t i = 0; i < length && !full; ++i) {
+    const uint8_t c = in[i];
+    if (c == 'z') {
+      if (digits != 0) return fe::FailWith(fe::kErrorInvalidData);
+      if (count + 4 > capacity) {
+        full = true;
+        break;
+      }
+      std::memset(out + count, 0, 4);
+      count += 4;
+      continue;
+    }
+    if (c < kFirstDigit || c > kLastDigit) continue;  // white space and line breaks included
+    value = value * 85 + (c - kFirstDigit);           // wraps on overlong groups, as always
+    if (++digits == 5) {
+      if (count + 4 > capacity) {
+        full = true;
+        break;
+      }
+      WriteBigEndian32(value, out + count);
+      count += 4;
+      value = 0;
+      digits = 0;
+    }
+  }
+  return static_cast<int32_t>(count);
+}
+
+int32_t Base85Decoder::Finish(uint8_t* out, int64_t capacity) {
+  if (digits < 2 || digits - 1 > capacity) return 0;
+  uint32_t padded = value;
+  for (int k = digits; k < 5; ++k)
+    padded = padded * 85 + kPadDigit;
+  uint8_t group[4];
+  WriteBigEndian32(padded, group);
+  std::memcpy(out, group, static_cast<size_t>(digits - 1));
+  const int32_t written = digits - 1;
+  value = 0;
+  digits = 0;
+  return written;
+}
+
+}  // namespace fe::codecs
 
 extern "C" {
 
@@ -62,38 +112,10 @@ int32_t Base85Decode(const char* text, int32_t length, uint8_t* output, int32_t 
   }
   const int64_t total = length == -1 ? static_cast<int64_t>(std::strlen(text)) : length;
   if (total < 1) return fe::FailWith(fe::kErrorInvalidParameter);
-  const auto* in = reinterpret_cast<const uint8_t*>(text);
-  int64_t count = 0;
-  uint32_t value = 0;
-  int digits = 0;
-  for (int64_t i = 0; i < total; ++i) {
-    const uint8_t c = in[i];
-    if (c == 'z') {
-      if (digits != 0) return fe::FailWith(fe::kErrorInvalidData);
-      if (count + 4 > capacity) return static_cast<int32_t>(count);
-      std::memset(output + count, 0, 4);
-      count += 4;
-      continue;
-    }
-    if (c < kFirstDigit || c > kLastDigit) continue;  // white space and line breaks included
-    value = value * 85 + (c - kFirstDigit);           // wraps like the original on overlong groups
-    if (++digits == 5) {
-      if (count + 4 > capacity) return static_cast<int32_t>(count);
-      WriteBigEndian32(value, output + count);
-      count += 4;
-      value = 0;
-      digits = 0;
-    }
-  }
-  if (digits > 1 && count + digits - 1 <= capacity) {
-    for (int k = digits; k < 5; ++k)
-      value = value * 85 + kPadDigit;
-    uint8_t group[4];
-    WriteBigEndian32(value, group);
-    std::memcpy(output + count, group, static_cast<size_t>(digits - 1));
-    count += digits - 1;
-  }
-  return static_cast<int32_t>(count);
+  Base85Decoder decoder;
+  const int32_t count = decoder.Feed(text, static_cast<size_t>(total), output, capacity);
+  if (count < 0 || decoder.full) return count;
+  return count + decoder.Finish(output + count, capacity - count);
 }
 
 }  // extern "C"

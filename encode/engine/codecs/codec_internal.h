@@ -38,4 +38,17 @@ int32_t UrlEncodeInto(const uint8_t* input, int32_t length, char* output, int32_
 int32_t UrlDecodeInto(const char* text, int32_t length, uint8_t* output, int32_t capacity,
                       int64_t bufferSize);
 
+// The Base85 decoder's state, so that a text can arrive in pieces.
+struct Base85Decoder {
+  uint32_t value = 0;
+  int digits = 0;
+  bool full = false;  // a group no longer fitted: decoding has stopped
+
+  // Decodes whole groups of text into out; -1 with ERROR_INVALID_DATA for a
+  // 'z' inside a group. Stops (and sets full) when four bytes no longer fit.
+  int32_t Feed(const char* text, size_t length, uint8_t* out, int64_t capacity);
+  // The last partial group: 2 to 4 digits give 1 to 3 bytes, when they fit.
+  int32_t Finish(uint8_t* out, int64_t capacity);
+};
+
 }  // namespace fe::codecs

@@ -47,9 +47,11 @@ class ScopedFile {
   ScopedFile& operator=(const ScopedFile&) = delete;
   platform::FileHandle get() const { return file_; }
   bool Valid() const { return file_ != platform::kInvalidFile; }
-  void Close() {
+  void Close() { Reset(platform::kInvalidFile); }
+  // Closes the current file and takes over another.
+  void Reset(platform::FileHandle file) {
     platform::CloseFile(file_);
-    file_ = platform::kInvalidFile;
+    file_ = file;
   }
 
  private:

@@ -213,6 +213,32 @@ FE_API int CompressFileByType(const char* source, const char* output, uint32_t t
                               uint32_t level);
 FE_API int ExpandFileByType(const char* source, const char* output, uint32_t type);
 
+/* ---- File encoding ---- */
+
+/* flags: bits 0-15 the file encoding (2 quoted-printable, 3 uuencode, 4 yEnc,
+ * 6 Base58, 7 Base32, 8 Base85; 0 and 1 are refused), bit 16 compress with
+ * Deflate before encoding / expand after decoding. Non-zero on success. */
+FE_API int EncodeFileByType(const char* inputName, const char* outputName, uint32_t flags);
+FE_API int DecodeFileByType(const char* inputName, const char* outputName, uint32_t flags);
+
+/* The file codecs themselves: (input, output), non-zero on success. */
+FE_API int QpEncodeFile(const char* inputName, const char* outputName);
+FE_API int QpDecodeFile(const char* inputName, const char* outputName);
+FE_API int UuencodeFile(const char* inputName, const char* outputName);
+FE_API int UudecodeFile(const char* inputName, const char* outputName);
+FE_API int YencodeFile(const char* inputName, const char* outputName);
+FE_API int YdecodeFile(const char* inputName, const char* outputName);
+FE_API int Base32EncodeFile(const char* inputName, const char* outputName);
+FE_API int Base32DecodeFile(const char* inputName, const char* outputName);
+FE_API int Base58EncodeFile(const char* inputName, const char* outputName);
+FE_API int Base58DecodeFile(const char* inputName, const char* outputName);
+FE_API int Base85EncodeFile(const char* inputName, const char* outputName);
+FE_API int Base85DecodeFile(const char* inputName, const char* outputName);
+
+/* The value of the hexadecimal digits at the start of text; 0xFFFFFFFF for
+ * a null text. */
+FE_API uint32_t ParseHex32(const char* text);
+
 /* ---- Data compression (zlib stream, level 9) ---- */
 
 /* With output: *length is the capacity on entry and the compressed length on

@@ -81,6 +81,7 @@ enum class FileOpen {
   kCreate,  // read and write, unshared, always created anew, sequential scan
 };
 
+// A null path fails like an empty one.
 FileHandle OpenFile(const char* path, FileOpen mode);
 // ReadFile / WriteFile: false with the reason as last error.
 bool ReadFile(FileHandle file, void* buffer, uint32_t size, uint32_t* read);

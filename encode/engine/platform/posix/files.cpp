@@ -61,6 +61,7 @@ bool CopyThenRemove(const char* from, const char* to) {
 }  // namespace
 
 FileHandle OpenFile(const char* path, FileOpen mode) {
+  if (path == nullptr) path = "";
   const int flags = mode == FileOpen::kRead ? O_RDONLY : (O_RDWR | O_CREAT | O_TRUNC);
   const int fd = ::open(path, flags | O_CLOEXEC, 0666);
   if (fd < 0) {

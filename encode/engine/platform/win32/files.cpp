@@ -24,6 +24,7 @@ HANDLE Native(FileHandle file) {
 }  // namespace
 
 FileHandle OpenFile(const char* path, FileOpen mode) {
+  if (path == nullptr) path = "";
   const HANDLE file =
       mode == FileOpen::kRead
           ? ::CreateFileW(Wide(path).c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,

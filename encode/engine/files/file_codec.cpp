@@ -1,0 +1,47 @@
+#include "files/file_codec.h"
+
+#include <cstring>
+
+#include "errors/last_error.h"
+#include "errors/system_errors.h"
+
+namespace fe::files {
+
+bool CheckNames(const char* inputName, const char* outputName) {
+  if (inputName == nullptr || *inputName == '\0' || outputName == nullptr || *outputName == '\0') {
+    SetLastError(kErrorInvalidParameter);
+    return false;
+  }
+  return true;
+}
+
+bool FilePair::Open(const char* inputName, const char* outputName) {
+  input.Reset(platform::OpenFile(inputName, platform::FileOpen::kRead));
+  if (!input.Valid()) return false;
+  output.Reset(platform::OpenFile(outputName, platform::FileOpen::kCreate));
+  if (!output.Valid()) {
+    const uint32_t error = LastError();
+    input.Close();
+    SetLastError(error);
+    return false;
+  }
+  return true;
+}
+
+uint32_t ReadChunk(platform::FileHandle file, void* buffer, uint32_t size) {
+  uint32_t read = 0;
+  return platform::ReadFile(file, buffer, size, &read) ? read : 0;
+}
+
+void WriteUnchecked(platform::FileHandle file, const void* data, uint32_t size) {
+  uint32_t written = 0;
+  if (size > 0) platform::WriteFile(file, data, size, &written);
+}
+
+const char* BaseName(const char* path) {
+  const char* slash = std::strrchr(path, '\\');
+  if (slash == nullptr) slash = std::strrchr(path, '/');
+  return slash != nullptr ? slash + 1 : path;
+}
+
+}  // namespace fe::files

@@ -1,0 +1,141 @@
+// Uuencoded files: a "begin 644 name" block of 45-byte lines, ended by the
+// zero-length line and "end".
+#include <cstring>
+#include <string>
+
+#include "file_encoder.h"
+#include "files/file_codec.h"
+
+namespace {
+
+using namespace fe::files;
+
+constexpr uint32_t kLineBytes = 45;
+constexpr size_t kLineBufferSize = 1024;
+constexpr size_t kFlushAt = 944;
+constexpr size_t kDecodeFlushAt = 1008;
+
+// 0 is written as the grave accent, never as a space.
+char UuChar(uint32_t value) {
+  const uint32_t v = value & 63;
+  return v == 0 ? '`' : static_cast<char>(v + 32);
+}
+
+}  // namespace
+
+namespace fe::files {
+
+// The next line of the file from `offset`, read by position: null at the
+// end, and for a last line without a line end or one of 1024 characters
+// or more.
+char* ReadUuLine(platform::FileHandle file, char* buffer, int64_t* offset) {
+  if (!platform::SeekFile(file, *offset)) return nullptr;
+  const uint32_t read = ReadChunk(file, buffer, kLineBufferSize);
+  if (read == 0) return nullptr;
+  uint32_t end = 0;
+  while (end < read && buffer[end] != '\r' && buffer[end] != '\n')
+    ++end;
+  if (end == read) return nullptr;
+  const bool crlf = buffer[end] == '\r' && end + 1 < read && buffer[end + 1] == '\n';
+  buffer[end] = '\0';
+  *offset += static_cast<int64_t>(std::strlen(buffer)) + 1 + (crlf ? 1 : 0);
+  return buffer;
+}
+
+}  // namespace fe::files
+
+extern "C" {
+
+int UuencodeFile(const char* inputName, const char* outputName) {
+  FilePair files;
+  if (!files.Open(inputName, outputName)) return 0;
+  // The chunk is deliberately not cleared between reads: a short last group
+  // takes its missing bytes from the previous read, and the length
+  // character tells decoders to ignore them.
+  uint8_t chunk[kLineBytes + 3] = {};
+  char line[kLineBufferSize + 128];
+  size_t used = 0;
+  const std::string header = std::string("begin 644 ") + BaseName(inputName) + "\r\n";
+  WriteUnchecked(files.output.get(), header.data(), static_cast<uint32_t>(header.size()));
+  for (uint32_t n; (n = ReadChunk(files.input.get(), chunk, kLineBytes)) > 0;) {
+    line[used++] = UuChar(n);
+    for (uint32_t group = 0; group < (n - 1) / 3 + 1; ++group) {
+      const uint8_t* b = chunk + 3 * group;
+      line[used++] = UuChar(b[0] >> 2);
+      line[used++] = UuChar(((b[0] & 3) << 4) | (b[1] >> 4));
+      line[used++] = UuChar(((b[1] & 15) << 2) | (b[2] >> 6));
+      line[used++] = UuChar(b[2] & 63);
+    }
+    line[used++] = '\r';
+    line[used++] = '\n';
+    if (used >= kFlushAt) {
+      WriteUnchecked(files.output.get(), line, static_cast<uint32_t>(used));
+      used = 0;
+    }
+  }
+  line[used++] = '`';
+  WriteUnchecked(files.output.get(), line, static_cast<uint32_t>(used));
+  WriteUnchecked(files.output.get(), "\r\nend\r\n", 7);
+  return 1;
+}
+
+int UudecodeFile(const char* inputName, const char* outputName) {
+  ScopedFile input(fe::platform::OpenFile(inputName, fe::platform::FileOpen::kRead));
+  if (!input.Valid()) return 0;
+  char line[kLineBufferSize + 1];
+  int64_t offset = 0;
+  const char* text;
+  do {
+    text = ReadUuLine(input.get(), line, &offset);
+    if (text == nullptr) return 0;
+  } while (std::strncmp(text, "begin ", 6) != 0);
+  // After "begin ": white space, the mode digits (ignored), white space,
+  // then the stored name.
+  const char* name = text + 6;
+  while (*name == ' ' || *name == '\t')
+    ++name;
+  while (*name >= '0' && *name <= '9')
+    ++name;
+  while (*name == ' ' || *name == '\t')
+    ++name;
+  const std::string storedName = name;
+  const char* target =
+      outputName != nullptr && *outputName != '\0' ? outputName : storedName.c_str();
+  ScopedFile output(fe::platform::OpenFile(target, fe::platform::FileOpen::kCreate));
+  if (!output.Valid()) return 0;
+  uint8_t bytes[kLineBufferSize];
+  size_t used = 0;
+  text = ReadUuLine(input.get(), line, &offset);
+  while (text != nullptr) {
+    int n = (text[0] - 32) & 63;
+    if (n == 0) {
+      WriteUnchecked(output.get(), bytes, static_cast<uint32_t>(used));
+      text = ReadUuLine(input.get(), line, &offset);
+      return text != nullptr && std::strcmp(text, "end") == 0 ? 1 : 0;
+    }
+    // Nothing is validated: every character gives the six bits of
+    // (c - 32), so '`' and space both read as 0, and the length character
+    // alone decides how many bytes the line gives.
+    const auto* c = reinterpret_cast<const uint8_t*>(text + 1);
+    const size_t length = std::strlen(text + 1);
+    for (size_t at = 0; n > 0; at += 4, n -= 3) {
+      if (used >= kDecodeFlushAt) {
+        WriteUnchecked(output.get(), bytes, static_cast<uint32_t>(used));
+        used = 0;
+      }
+      uint8_t v[4];
+      for (size_t k = 0; k < 4; ++k) {
+        v[k] = at + k < length ? static_cast<uint8_t>((c[at + k] - 32) & 63) : 0;
+      }
+      bytes[used++] = static_cast<uint8_t>((v[0] << 2) | (v[1] >> 4));
+      if (n > 1) bytes[used++] = static_cast<uint8_t>((v[1] << 4) | (v[2] >> 2));
+      if (n > 2) bytes[used++] = static_cast<uint8_t>((v[2] << 6) | v[3]);
+    }
+    text = ReadUuLine(input.get(), line, &offset);
+  }
+  // Without the zero-length line the block is incomplete: what was written
+  // so far stays, what was still buffered is dropped.
+  return 0;
+}
+
+}  // extern "C"
