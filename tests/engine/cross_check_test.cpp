@@ -285,6 +285,57 @@ TEST(CrossCheck, CompressedFilesAgainstPythonAndTheCommandLineTools) {
   }
 }
 
+TEST(CrossCheck, UuencodeAgainstSharutils) {
+  Bytes probe;
+  if (!RunTool("uudecode --version >/dev/null", {}, probe)) {
+    GTEST_SKIP() << "cross-check cannot run: sharutils missing";
+  }
+  TempFolder folder;
+  for (size_t size : {0u, 1u, 44u, 45u, 46u, 1000u, 100000u}) {
+    const Bytes data = RandomBytes(size, static_cast<uint32_t>(size) + 3);
+    const std::string input = folder.Write("data.bin", data);
+    const std::string ours = folder.Path("ours.uu");
+    ASSERT_TRUE(UuencodeFile(input.c_str(), ours.c_str()));
+    Bytes theirs;
+    ASSERT_TRUE(RunTool("uudecode -o /dev/stdout {in}", TempFolder::Read(ours), theirs));
+    EXPECT_EQ(theirs, data) << size;
+    Bytes encoded;
+    ASSERT_TRUE(RunTool("uuencode data.bin < {in}", data, encoded));
+    const std::string file = folder.Write("theirs.uu", encoded);
+    const std::string back = folder.Path("back.bin");
+    EXPECT_TRUE(UudecodeFile(file.c_str(), back.c_str())) << size;
+    EXPECT_EQ(TempFolder::Read(back), data) << size;
+  }
+}
+
+TEST(CrossCheck, YencAgainstSabyenc) {
+  if (!HavePythonModule("sabyenc3"))
+    GTEST_SKIP() << "cross-check cannot run: python3-sabyenc missing";
+  TempFolder folder;
+  for (size_t size : {1u, 127u, 128u, 5000u, 100000u}) {
+    const Bytes data = RandomBytes(size, static_cast<uint32_t>(size) + 5);
+    const std::string input = folder.Write("data.bin", data);
+    const std::string ours = folder.Path("ours.yenc");
+    ASSERT_TRUE(YencodeFile(input.c_str(), ours.c_str()));
+    // sabyenc decodes our whole file and checks its CRC.
+    EXPECT_EQ(Python("(lambda r: r[0] if r[2] else b'crc mismatch')("
+                     "__import__('sabyenc3').decode_usenet_chunks([data]))",
+                     TempFolder::Read(ours)),
+              data)
+        << size;
+    // What sabyenc encodes, framed as a single part, we decode.
+    const Bytes framed = Python(
+        "(lambda e: b'=ybegin line=128 size=%d name=data.bin\\r\\n' % len(data) + e[0] + "
+        "b'\\r\\n=yend size=%d crc32=%08x\\r\\n' % (len(data), e[1]))("
+        "__import__('sabyenc3').encode(data))",
+        data);
+    const std::string file = folder.Write("theirs.yenc", framed);
+    const std::string back = folder.Path("back.bin");
+    EXPECT_TRUE(YdecodeFile(file.c_str(), back.c_str())) << size;
+    EXPECT_EQ(TempFolder::Read(back), data) << size;
+  }
+}
+
 }  // namespace
 }  // namespace fe::test
 
