@@ -144,6 +144,15 @@ STDMETHODIMP ConnectionPoint::EnumConnections(IEnumConnections** result) {
   return *result == nullptr ? E_OUTOFMEMORY : S_OK;
 }
 
+std::vector<IDispatch*> ConnectionPoint::Snapshot() const {
+  std::vector<IDispatch*> sinks;
+  for (const Connection& connection : connections_) {
+    connection.sink->AddRef();
+    sinks.push_back(connection.sink);
+  }
+  return sinks;
+}
+
 HRESULT CreateConnectionPointEnumerator(IConnectionPoint* point, IEnumConnectionPoints** result) {
   if (result == nullptr) return E_POINTER;
   *result = new (std::nothrow)

@@ -29,6 +29,11 @@ class ConnectionPoint final : public IConnectionPoint {
   STDMETHODIMP Unadvise(DWORD cookie) override;
   STDMETHODIMP EnumConnections(IEnumConnections** connections) override;
 
+  // The connected sinks in connection order, each with a reference the
+  // caller releases: events go to this snapshot, so sinks may connect and
+  // disconnect while one is raised.
+  std::vector<IDispatch*> Snapshot() const;
+
  private:
   struct Connection {
     DWORD cookie;

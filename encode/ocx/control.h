@@ -9,6 +9,7 @@
 #include <ocidl.h>
 #include <olectl.h>
 
+#include <functional>
 #include <string>
 
 #include "connection_point.h"
@@ -198,6 +199,11 @@ class CFileEncoder final : public IFileEncoderConversion,
   void ResetState();
   HRESULT ConvertTextSlot(bool encode, BSTR* value);
   HRESULT CipherTextSlot(bool encrypt, BSTR* value);
+  // Runs a file operation: names by rule S, State 1 around the engine call,
+  // and with `progress` the size probe and OnProgress at 0 and 100 percent.
+  HRESULT RunFileOperation(const VARIANT& InputFile, const VARIANT& OutputFile, VARIANT* Error,
+                           bool progress, const std::function<int(const char*, const char*)>& run);
+  void RaiseProgress(const std::string& fileName, DWORD size, DWORD processed, SHORT percent);
   HRESULT CipherData(bool encrypt, const VARIANT& InputData, VARIANT* OutputData,
                      const VARIANT& Password, VARIANT* Result);
 

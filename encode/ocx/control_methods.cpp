@@ -221,24 +221,12 @@ HRESULT CFileEncoder::CipherData(bool encrypt, const VARIANT& InputData, VARIANT
   return output.StoreText(text);
 }
 
-// Bound by the file, comparison, identifier and text-filter engines as they
-// are added.
-STDMETHODIMP CFileEncoder::CompressFile(VARIANT, VARIANT, VARIANT, VARIANT, VARIANT*) {
-  return E_NOTIMPL;
-}
-STDMETHODIMP CFileEncoder::DecodeFile(VARIANT, VARIANT, VARIANT, VARIANT*) {
-  return E_NOTIMPL;
-}
+// Bound by the file encryption, comparison, identifier and text-filter
+// engines as they are added.
 STDMETHODIMP CFileEncoder::DecryptFile(VARIANT, VARIANT, VARIANT, VARIANT*) {
   return E_NOTIMPL;
 }
-STDMETHODIMP CFileEncoder::EncodeFile(VARIANT, VARIANT, VARIANT, VARIANT*) {
-  return E_NOTIMPL;
-}
 STDMETHODIMP CFileEncoder::EncryptFile(VARIANT, VARIANT, VARIANT, VARIANT*) {
-  return E_NOTIMPL;
-}
-STDMETHODIMP CFileEncoder::ExpandFile(VARIANT, VARIANT, VARIANT, VARIANT*) {
   return E_NOTIMPL;
 }
 STDMETHODIMP CFileEncoder::CompareFile(VARIANT, VARIANT, VARIANT, VARIANT, VARIANT*) {

@@ -1,0 +1,81 @@
+' The file methods: encoding, decoding, compression and expansion of files.
+Dim fe, fso, folder, source, text
+Set fe = NewEncoder()
+Set fso = CreateObject("Scripting.FileSystemObject")
+folder = fso.GetSpecialFolder(2) & "\fe_script_files"
+If Not fso.FolderExists(folder) Then fso.CreateFolder folder
+source = folder & "\source.txt"
+text = "The quick brown fox jumps over the lazy dog. The quick brown fox jumps again."
+
+Sub WriteText(path, content)
+  Dim stream
+  Set stream = fso.CreateTextFile(path, True)
+  stream.Write content
+  stream.Close
+End Sub
+
+Function ReadText(path)
+  If fso.FileExists(path) Then
+    ReadText = fso.OpenTextFile(path).ReadAll
+  Else
+    ReadText = "<missing>"
+  End If
+End Function
+
+WriteText source, text
+
+' EncodeFile with the Encoding property as the default.
+Dim e
+fe.Encoding = 4   ' fileEncodeYencode
+fe.EncodeFile source, folder & "\source.yenc", , e
+Check "EncodeFile Error", e, 0
+Check "yEnc header", Left(ReadText(folder & "\source.yenc"), 8), "=ybegin "
+fe.DecodeFile folder & "\source.yenc", folder & "\back.txt", , e
+Check "DecodeFile Error", e, 0
+Check "DecodeFile gives the text back", ReadText(folder & "\back.txt"), text
+
+' An explicit encoding wins over the property.
+fe.EncodeFile source, folder & "\source.uu", 3, e
+Check "uuencode header", Left(ReadText(folder & "\source.uu"), 21), "begin 644 source.txt" & vbCr
+fe.DecodeFile folder & "\source.uu", folder & "\back2.txt", 3, e
+Check "uudecode", ReadText(folder & "\back2.txt"), text
+
+' Compression with the defaults (Deflate, default level) and back.
+fe.CompressFile source, folder & "\source.z", , , e
+Check "CompressFile Error", e, 0
+fe.ExpandFile folder & "\source.z", folder & "\back3.txt", , e
+Check "ExpandFile Error", e, 0
+Check "ExpandFile gives the text back", ReadText(folder & "\back3.txt"), text
+
+' ExpandFile without a type means Deflate: a bzip2 file needs 0 or 2. The
+' stream's failure records no code of its own (as ever), but no output is
+' left behind.
+fe.CompressFile source, folder & "\source.bz2", 2, 9, e
+fe.ExpandFile folder & "\source.bz2", folder & "\back4.txt", , e
+Check "bzip2 read as Deflate leaves no output", ReadText(folder & "\back4.txt"), "<missing>"
+fe.ExpandFile folder & "\source.bz2", folder & "\back4.txt", 0, e
+Check "bzip2 detected", ReadText(folder & "\back4.txt"), text
+
+' A missing input: Error and LastError 2, and with ThrowError no exception
+' (a system code is returned as a success code).
+fe.CompressFile folder & "\missing.txt", folder & "\out.z", , , e
+Check "missing input Error", e, 2
+Check "missing input LastError", fe.LastError, 2
+fe.ThrowError = True
+On Error Resume Next
+fe.CompressFile folder & "\missing.txt", folder & "\out.z", , , e
+Check "missing input raises nothing", Err.Number, 0
+Err.Clear
+' A control code does raise: compressing with type 0.
+fe.CompressFile source, folder & "\out.z", 0, , e
+Check "type 0 raises 10014", Err.Number, 10014
+Check "type 0 error source", Err.Source, "Orvane.FileEncoder.12"
+Check "type 0 error text", Err.Description, "Invalid argument passed to function"
+Err.Clear
+On Error GoTo 0
+fe.ThrowError = False
+Check "type 0 Error", e, 10014
+Check "State is idle after the work", fe.State, 0
+
+fso.DeleteFolder folder, True
+Summary
