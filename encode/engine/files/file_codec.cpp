@@ -1,5 +1,6 @@
 #include "files/file_codec.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "errors/last_error.h"
@@ -36,6 +37,40 @@ uint32_t ReadChunk(platform::FileHandle file, void* buffer, uint32_t size) {
 void WriteUnchecked(platform::FileHandle file, const void* data, uint32_t size) {
   uint32_t written = 0;
   if (size > 0) platform::WriteFile(file, data, size, &written);
+}
+
+uint32_t BufferedReader::Read(void* buffer, uint32_t size) {
+  auto* out = static_cast<uint8_t*>(buffer);
+  uint32_t done = 0;
+  while (done < size) {
+    if (at_ == length_) {
+      length_ = ReadChunk(file_, data_, sizeof data_);
+      at_ = 0;
+      if (length_ == 0) break;
+    }
+    const uint32_t n = std::min(size - done, length_ - at_);
+    std::memcpy(out + done, data_ + at_, n);
+    at_ += n;
+    done += n;
+  }
+  return done;
+}
+
+void BufferedWriter::Write(const void* data, uint32_t size) {
+  const auto* in = static_cast<const uint8_t*>(data);
+  while (size > 0) {
+    const uint32_t n = std::min<uint32_t>(size, sizeof data_ - length_);
+    std::memcpy(data_ + length_, in, n);
+    length_ += n;
+    in += n;
+    size -= n;
+    if (length_ == sizeof data_) Flush();
+  }
+}
+
+void BufferedWriter::Flush() {
+  WriteUnchecked(file_, data_, length_);
+  length_ = 0;
 }
 
 const char* BaseName(const char* path) {

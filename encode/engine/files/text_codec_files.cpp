@@ -78,11 +78,13 @@ int QpEncodeFile(const char* inputName, const char* outputName) {
   if (!files.Open(inputName, outputName)) return 0;
   // Each 16-byte piece is encoded on its own: its column count starts
   // afresh, so the soft line break never comes and the file is one line.
+  BufferedReader reader(files.input.get());
+  BufferedWriter writer(files.output.get());
   uint8_t piece[kQpPiece];
   char text[kQpPieceCapacity + 2];
-  for (uint32_t n; (n = ReadChunk(files.input.get(), piece, kQpPiece)) > 0;) {
+  for (uint32_t n; (n = reader.Read(piece, kQpPiece)) > 0;) {
     const int32_t count = QpEncode(piece, static_cast<int32_t>(n), text, kQpPieceCapacity, 1);
-    if (count > 0) WriteUnchecked(files.output.get(), text, static_cast<uint32_t>(count));
+    if (count > 0) writer.Write(text, static_cast<uint32_t>(count));
   }
   return 1;
 }

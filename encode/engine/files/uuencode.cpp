@@ -1,5 +1,6 @@
 // Uuencoded files: a "begin 644 name" block of 45-byte lines, ended by the
 // zero-length line and "end".
+#include <algorithm>
 #include <cstring>
 #include <string>
 
@@ -21,28 +22,60 @@ char UuChar(uint32_t value) {
   return v == 0 ? '`' : static_cast<char>(v + 32);
 }
 
+// Lines of the file by position: the line at an offset is the first line
+// end within the 1024 bytes from there. A last line without a line end, or
+// a line of 1024 characters or more, ends the input. The bytes come from a
+// 64 KiB window over the file rather than a seek and read for every line.
+class UuLines {
+ public:
+  explicit UuLines(fe::platform::FileHandle file) : file_(file) {}
+
+  // The line at *offset, NUL-terminated in buffer (1025 bytes), or null;
+  // advances *offset past its line end.
+  char* Read(char* buffer, int64_t* offset) {
+    if (!Cover(*offset)) return nullptr;
+    const auto from = static_cast<size_t>(*offset - start_);
+    const size_t read = std::min(kLineBufferSize, length_ - from);
+    if (read == 0) return nullptr;
+    std::memcpy(buffer, window_ + from, read);
+    size_t end = 0;
+    while (end < read && buffer[end] != '\r' && buffer[end] != '\n')
+      ++end;
+    if (end == read) return nullptr;
+    const bool crlf = buffer[end] == '\r' && end + 1 < read && buffer[end + 1] == '\n';
+    buffer[end] = '\0';
+    *offset += static_cast<int64_t>(std::strlen(buffer)) + 1 + (crlf ? 1 : 0);
+    return buffer;
+  }
+
+ private:
+  // Makes the window hold the 1024 bytes from offset, or all up to the end.
+  bool Cover(int64_t offset) {
+    const int64_t end = start_ + static_cast<int64_t>(length_);
+    if (offset >= start_ && (offset + static_cast<int64_t>(kLineBufferSize) <= end || at_end_) &&
+        offset <= end) {
+      return true;
+    }
+    if (!fe::platform::SeekFile(file_, offset)) return false;
+    start_ = offset;
+    length_ = 0;
+    for (uint32_t n; length_ < sizeof window_ &&
+                     (n = ReadChunk(file_, window_ + length_,
+                                    static_cast<uint32_t>(sizeof window_ - length_))) > 0;) {
+      length_ += n;
+    }
+    at_end_ = length_ < sizeof window_;
+    return true;
+  }
+
+  fe::platform::FileHandle file_;
+  uint8_t window_[65536];
+  int64_t start_ = 0;
+  size_t length_ = 0;
+  bool at_end_ = false;
+};
+
 }  // namespace
-
-namespace fe::files {
-
-// The next line of the file from `offset`, read by position: null at the
-// end, and for a last line without a line end or one of 1024 characters
-// or more.
-char* ReadUuLine(platform::FileHandle file, char* buffer, int64_t* offset) {
-  if (!platform::SeekFile(file, *offset)) return nullptr;
-  const uint32_t read = ReadChunk(file, buffer, kLineBufferSize);
-  if (read == 0) return nullptr;
-  uint32_t end = 0;
-  while (end < read && buffer[end] != '\r' && buffer[end] != '\n')
-    ++end;
-  if (end == read) return nullptr;
-  const bool crlf = buffer[end] == '\r' && end + 1 < read && buffer[end + 1] == '\n';
-  buffer[end] = '\0';
-  *offset += static_cast<int64_t>(std::strlen(buffer)) + 1 + (crlf ? 1 : 0);
-  return buffer;
-}
-
-}  // namespace fe::files
 
 extern "C" {
 
@@ -55,9 +88,11 @@ int UuencodeFile(const char* inputName, const char* outputName) {
   uint8_t chunk[kLineBytes + 3] = {};
   char line[kLineBufferSize + 128];
   size_t used = 0;
+  BufferedReader reader(files.input.get());
+  BufferedWriter writer(files.output.get());
   const std::string header = std::string("begin 644 ") + BaseName(inputName) + "\r\n";
-  WriteUnchecked(files.output.get(), header.data(), static_cast<uint32_t>(header.size()));
-  for (uint32_t n; (n = ReadChunk(files.input.get(), chunk, kLineBytes)) > 0;) {
+  writer.Write(header.data(), static_cast<uint32_t>(header.size()));
+  for (uint32_t n; (n = reader.Read(chunk, kLineBytes)) > 0;) {
     line[used++] = UuChar(n);
     for (uint32_t group = 0; group < (n - 1) / 3 + 1; ++group) {
       const uint8_t* b = chunk + 3 * group;
@@ -69,13 +104,13 @@ int UuencodeFile(const char* inputName, const char* outputName) {
     line[used++] = '\r';
     line[used++] = '\n';
     if (used >= kFlushAt) {
-      WriteUnchecked(files.output.get(), line, static_cast<uint32_t>(used));
+      writer.Write(line, static_cast<uint32_t>(used));
       used = 0;
     }
   }
   line[used++] = '`';
-  WriteUnchecked(files.output.get(), line, static_cast<uint32_t>(used));
-  WriteUnchecked(files.output.get(), "\r\nend\r\n", 7);
+  writer.Write(line, static_cast<uint32_t>(used));
+  writer.Write("\r\nend\r\n", 7);
   return 1;
 }
 
@@ -84,9 +119,10 @@ int UudecodeFile(const char* inputName, const char* outputName) {
   if (!input.Valid()) return 0;
   char line[kLineBufferSize + 1];
   int64_t offset = 0;
+  UuLines lines(input.get());
   const char* text;
   do {
-    text = ReadUuLine(input.get(), line, &offset);
+    text = lines.Read(line, &offset);
     if (text == nullptr) return 0;
   } while (std::strncmp(text, "begin ", 6) != 0);
   // After "begin ": white space, the mode digits (ignored), white space,
@@ -105,12 +141,12 @@ int UudecodeFile(const char* inputName, const char* outputName) {
   if (!output.Valid()) return 0;
   uint8_t bytes[kLineBufferSize];
   size_t used = 0;
-  text = ReadUuLine(input.get(), line, &offset);
+  text = lines.Read(line, &offset);
   while (text != nullptr) {
     int n = (text[0] - 32) & 63;
     if (n == 0) {
       WriteUnchecked(output.get(), bytes, static_cast<uint32_t>(used));
-      text = ReadUuLine(input.get(), line, &offset);
+      text = lines.Read(line, &offset);
       return text != nullptr && std::strcmp(text, "end") == 0 ? 1 : 0;
     }
     // Nothing is validated: every character gives the six bits of
@@ -131,7 +167,7 @@ int UudecodeFile(const char* inputName, const char* outputName) {
       if (n > 1) bytes[used++] = static_cast<uint8_t>((v[1] << 4) | (v[2] >> 2));
       if (n > 2) bytes[used++] = static_cast<uint8_t>((v[2] << 6) | v[3]);
     }
-    text = ReadUuLine(input.get(), line, &offset);
+    text = lines.Read(line, &offset);
   }
   // Without the zero-length line the block is incomplete: what was written
   // so far stays, what was still buffered is dropped.

@@ -1,0 +1,136 @@
+// Throughput of the file operations on one large file (256 MiB unless
+// FE_BENCH_FILE_MB says otherwise), each beside the same work done by an
+// independent tool on the same file. Rates are of the original file's size.
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <functional>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "file_encoder.h"
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+double SecondsOf(const std::function<bool()>& work, bool* ok) {
+  const auto start = Clock::now();
+  *ok = work();
+  return std::chrono::duration<double>(Clock::now() - start).count();
+}
+
+bool Tool(const std::string& command) {
+  return std::system(command.c_str()) == 0;
+}
+
+void Row(const char* what, double megabytes, const std::function<bool()>& ours,
+         const std::string& tool) {
+  bool ok = false;
+  const double mine = SecondsOf(ours, &ok);
+  std::printf("%-34s %9.1f MB/s%s", what, megabytes / mine, ok ? "" : " (FAILED)");
+  if (!tool.empty()) {
+    bool theirsOk = false;
+    const double theirs = SecondsOf([&] { return Tool(tool); }, &theirsOk);
+    std::printf("   %9.1f MB/s%s  %s", megabytes / theirs, theirsOk ? "" : " (FAILED)",
+                tool.c_str());
+  }
+  std::printf("\n");
+  std::fflush(stdout);
+}
+
+}  // namespace
+
+int main() {
+  const char* sizeText = std::getenv("FE_BENCH_FILE_MB");
+  const size_t megabytes = sizeText ? std::strtoul(sizeText, nullptr, 10) : 256;
+  const std::string folder = "/tmp/fe_file_bench";
+  Tool("mkdir -p " + folder);
+  const std::string source = folder + "/source.bin";
+  const std::string middle = folder + "/middle";
+  const std::string back = folder + "/back.bin";
+  {
+    // Half random bytes, half text-like runs: compressible, but not trivially.
+    std::mt19937_64 random(1);
+    std::vector<uint8_t> piece(1 << 20);
+    std::ofstream file(source, std::ios::binary);
+    for (size_t m = 0; m < megabytes; ++m) {
+      for (size_t i = 0; i < piece.size(); ++i) {
+        piece[i] = i % 2 ? static_cast<uint8_t>(random()) : static_cast<uint8_t>("bench "[i % 6]);
+      }
+      file.write(reinterpret_cast<const char*>(piece.data()),
+                 static_cast<std::streamsize>(piece.size()));
+    }
+  }
+  const double mb = static_cast<double>(megabytes) * 1.048576;
+  std::printf("%zu MiB file; ours, then the independent tool on the same file\n\n", megabytes);
+  const std::string py = "/usr/bin/python3 -c ";
+  struct Encoding {
+    const char* name;
+    uint32_t number;
+    std::string encodeTool;
+    std::string decodeTool;
+  } encodings[] = {
+      {"uuencode", 3, "uuencode x < " + source + " > " + folder + "/t.uu",
+       "uudecode -o " + folder + "/t.back " + folder + "/t.uu"},
+      {"yEnc", 4,
+       py + "\"import sabyenc3,sys;d=open('" + source + "','rb').read();open('" + folder +
+           "/t.y','wb').write(sabyenc3.encode(d)[0])\"",
+       ""},
+      {"quoted-printable", 2,
+       py + "\"import binascii;open('" + folder + "/t.qp','wb').write(binascii.b2a_qp(open('" +
+           source + "','rb').read(),quotetabs=True))\"",
+       py + "\"import binascii;open('" + folder + "/t.b','wb').write(binascii.a2b_qp(open('" +
+           folder + "/t.qp','rb').read()))\""},
+      {"Base32", 7, "basenc --base32 " + source + " > " + folder + "/t.b32",
+       "basenc -d --base32 " + folder + "/t.b32 > " + folder + "/t.b"},
+      {"Base85", 8,
+       py + "\"import base64;open('" + folder + "/t.a85','wb').write(base64.a85encode(open('" +
+           source + "','rb').read()))\"",
+       py + "\"import base64;open('" + folder + "/t.b','wb').write(base64.a85decode(open('" +
+           folder + "/t.a85','rb').read()))\""},
+  };
+  for (const Encoding& e : encodings) {
+    Row((std::string("encode ") + e.name).c_str(), mb,
+        [&] { return EncodeFileByType(source.c_str(), middle.c_str(), e.number) != 0; },
+        e.encodeTool);
+    Row((std::string("decode ") + e.name).c_str(), mb,
+        [&] { return DecodeFileByType(middle.c_str(), back.c_str(), e.number) != 0; },
+        e.decodeTool);
+  }
+  struct Method {
+    const char* name;
+    uint32_t type;
+    const char* compressTool;  // level, source, output
+    const char* expandTool;    // input, output
+  } methods[] = {
+      {"Deflate", 1,
+       "/usr/bin/python3 -c \"import "
+       "zlib,sys;open(sys.argv[3],'wb').write(zlib.compress(open(sys.argv[2],'rb').read(),int(sys."
+       "argv[1])))\" %u %s %s",
+       "/usr/bin/python3 -c \"import "
+       "zlib,sys;open(sys.argv[2],'wb').write(zlib.decompress(open(sys.argv[1],'rb').read()))\" %s "
+       "%s"},
+      {"bzip2", 2, "bzip2 -%u -c %s > %s", "bzip2 -dc %s > %s"},
+      {"LZMA", 3, "xz --format=lzma -%u -c %s > %s", "xz --format=lzma -dc %s > %s"},
+  };
+  for (const Method& m : methods) {
+    for (uint32_t level : {1u, 6u, 9u}) {
+      char compressTool[512], expandTool[512];
+      const std::string theirs = folder + "/t.packed";
+      std::snprintf(compressTool, sizeof compressTool, m.compressTool, level, source.c_str(),
+                    theirs.c_str());
+      std::snprintf(expandTool, sizeof expandTool, m.expandTool, theirs.c_str(),
+                    (folder + "/t.b").c_str());
+      Row((std::string("compress ") + m.name + " level " + std::to_string(level)).c_str(), mb,
+          [&] { return CompressFileByType(source.c_str(), middle.c_str(), m.type, level) != 0; },
+          compressTool);
+      Row((std::string("expand ") + m.name + " level " + std::to_string(level)).c_str(), mb,
+          [&] { return ExpandFileByType(middle.c_str(), back.c_str(), m.type) != 0; }, expandTool);
+    }
+  }
+  Tool("rm -rf " + folder);
+  return 0;
+}
