@@ -9,7 +9,7 @@ packages=(
   zlib1g-dev libbz2-dev liblzma-dev libicu-dev libssl-dev
   mingw-w64 mingw-w64-tools libz-mingw-w64-dev libwine-dev wine wine64 xvfb xauth
   imagemagick
-  dpkg-dev python3 python3-base58 python3-sabyenc coreutils bzip2 xz-utils sharutils
+  dpkg-dev python3 python3-base58 python3-sabyenc coreutils bzip2 xz-utils sharutils uudeview
 )
 
 missing=()

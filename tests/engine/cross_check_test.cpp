@@ -336,6 +336,41 @@ TEST(CrossCheck, YencAgainstSabyenc) {
   }
 }
 
+TEST(CrossCheck, UuencodeAndYencAgainstUudeview) {
+  Bytes probe;
+  if (!RunTool("which uuenview uudeview >/dev/null", {}, probe)) {
+    GTEST_SKIP() << "cross-check cannot run: uudeview missing";
+  }
+  TempFolder folder;
+  const Bytes data = RandomBytes(70000, 21);
+  const std::string source = folder.Write("data.bin", data);
+  // uudeview reads what we write, in both formats.
+  for (auto* encode : {UuencodeFile, YencodeFile}) {
+    const std::string ours = folder.Path("ours.txt");
+    ASSERT_TRUE(encode(source.c_str(), ours.c_str()));
+    const std::string out = folder.Path("out");
+    Bytes ignored;
+    ASSERT_TRUE(RunTool(
+        "mkdir -p " + out + " && uudeview -i -o -q -p " + out + "/ " + ours + " >/dev/null 2>&1",
+        {}, ignored));
+    EXPECT_EQ(TempFolder::Read(out + "/data.bin"), data);
+    RunTool("rm -rf " + out, {}, ignored);
+  }
+  // A multi-part yEnc set that uuenview splits, in one file, we read.
+  Bytes ignored;
+  const std::string parts = folder.Path("parts");
+  ASSERT_TRUE(RunTool(
+      "mkdir -p " + parts + " && uuenview -y -200 -od " + parts + " " + source + " >/dev/null 2>&1",
+      {}, ignored));
+  Bytes joined;
+  ASSERT_TRUE(RunTool("cat " + parts + "/data.0*", {}, joined));
+  const std::string set = folder.Write("set.yenc", joined);
+  const std::string back = folder.Path("back.bin");
+  ASSERT_NE(ToString(joined).find("part=3"), std::string::npos);
+  EXPECT_TRUE(YdecodeFile(set.c_str(), back.c_str()));
+  EXPECT_EQ(TempFolder::Read(back), data);
+}
+
 }  // namespace
 }  // namespace fe::test
 
