@@ -204,6 +204,8 @@ class CFileEncoder final : public IFileEncoderConversion,
   HRESULT RunFileOperation(const VARIANT& InputFile, const VARIANT& OutputFile, VARIANT* Error,
                            bool progress, const std::function<int(const char*, const char*)>& run);
   void RaiseProgress(const std::string& fileName, DWORD size, DWORD processed, SHORT percent);
+  HRESULT CodeFile(bool encode, const VARIANT& InputFile, const VARIANT& OutputFile,
+                   const VARIANT& Encoding, VARIANT* Error);
   HRESULT CipherData(bool encrypt, const VARIANT& InputData, VARIANT* OutputData,
                      const VARIANT& Password, VARIANT* Result);
 

@@ -82,26 +82,27 @@ HRESULT CFileEncoder::RunFileOperation(const VARIANT& InputFile, const VARIANT& 
   return ReportError(error);
 }
 
-STDMETHODIMP CFileEncoder::EncodeFile(VARIANT InputFile, VARIANT OutputFile, VARIANT Encoding,
-                                      VARIANT* Error) {
+HRESULT CFileEncoder::CodeFile(bool encode, const VARIANT& InputFile, const VARIANT& OutputFile,
+                               const VARIANT& Encoding, VARIANT* Error) {
   SetOutInteger(Error, 0);
+  // An omitted encoding is the Encoding property's.
   DWORD flags = 0;
   const HRESULT hr = GetOptionalInteger(&Encoding, encoding_, &flags);
   if (FAILED(hr)) return hr;
+  const auto run = encode ? EncodeFileByType : DecodeFileByType;
   return RunFileOperation(
       InputFile, OutputFile, Error, true,
-      [flags](const char* in, const char* out) { return EncodeFileByType(in, out, flags); });
+      [run, flags](const char* in, const char* out) { return run(in, out, flags); });
+}
+
+STDMETHODIMP CFileEncoder::EncodeFile(VARIANT InputFile, VARIANT OutputFile, VARIANT Encoding,
+                                      VARIANT* Error) {
+  return CodeFile(true, InputFile, OutputFile, Encoding, Error);
 }
 
 STDMETHODIMP CFileEncoder::DecodeFile(VARIANT InputFile, VARIANT OutputFile, VARIANT Encoding,
                                       VARIANT* Error) {
-  SetOutInteger(Error, 0);
-  DWORD flags = 0;
-  const HRESULT hr = GetOptionalInteger(&Encoding, encoding_, &flags);
-  if (FAILED(hr)) return hr;
-  return RunFileOperation(
-      InputFile, OutputFile, Error, true,
-      [flags](const char* in, const char* out) { return DecodeFileByType(in, out, flags); });
+  return CodeFile(false, InputFile, OutputFile, Encoding, Error);
 }
 
 STDMETHODIMP CFileEncoder::CompressFile(VARIANT InputFile, VARIANT OutputFile,

@@ -2,36 +2,19 @@
 #include <olectl.h>
 
 #include "control_fixture.h"
+#include "event_sink.h"
 
 namespace fe::test {
 namespace {
 
 // An event sink that counts what it receives.
-class CountingSink final : public IDispatch {
+class CountingSink final : public EventSink {
  public:
-  STDMETHODIMP QueryInterface(REFIID iid, void** object) override {
-    if (iid == IID_IUnknown || iid == IID_IDispatch || iid == DIID__IFileEncoderEvents) {
-      *object = static_cast<IDispatch*>(this);
-      AddRef();
-      return S_OK;
-    }
-    *object = nullptr;
-    return E_NOINTERFACE;
-  }
-  STDMETHODIMP_(ULONG) AddRef() override { return ++references; }
-  STDMETHODIMP_(ULONG) Release() override { return --references; }
-  STDMETHODIMP GetTypeInfoCount(UINT* count) override {
-    *count = 0;
-    return S_OK;
-  }
-  STDMETHODIMP GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
-  STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override { return E_NOTIMPL; }
   STDMETHODIMP Invoke(DISPID id, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*,
                       UINT*) override {
     (id == 1 ? errors : progress)++;
     return S_OK;
   }
-  ULONG references = 1;
   int errors = 0;
   int progress = 0;
 };

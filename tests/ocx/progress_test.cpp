@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "control_fixture.h"
+#include "event_sink.h"
 
 namespace fe::test {
 namespace {
@@ -21,26 +22,9 @@ struct ProgressCall {
 };
 
 // Records every OnProgress with its arguments and the State it reads.
-class ProgressSink final : public IDispatch {
+class ProgressSink final : public EventSink {
  public:
   explicit ProgressSink(IFileEncoder* control) : control_(control) {}
-  STDMETHODIMP QueryInterface(REFIID iid, void** object) override {
-    if (iid == IID_IUnknown || iid == IID_IDispatch || iid == DIID__IFileEncoderEvents) {
-      *object = static_cast<IDispatch*>(this);
-      AddRef();
-      return S_OK;
-    }
-    *object = nullptr;
-    return E_NOINTERFACE;
-  }
-  STDMETHODIMP_(ULONG) AddRef() override { return ++references; }
-  STDMETHODIMP_(ULONG) Release() override { return --references; }
-  STDMETHODIMP GetTypeInfoCount(UINT* count) override {
-    *count = 0;
-    return S_OK;
-  }
-  STDMETHODIMP GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
-  STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override { return E_NOTIMPL; }
   STDMETHODIMP Invoke(DISPID id, REFIID, LCID, WORD flags, DISPPARAMS* params, VARIANT*, EXCEPINFO*,
                       UINT*) override {
     if (id != 2 || flags != DISPATCH_METHOD || params->cArgs != 4) return DISP_E_MEMBERNOTFOUND;
@@ -55,7 +39,6 @@ class ProgressSink final : public IDispatch {
     ::SetLastError(12345);
     return E_FAIL;
   }
-  ULONG references = 1;
   std::vector<ProgressCall> calls;
 
  private:
