@@ -49,6 +49,30 @@ fe.DecryptData sealed, opened, "another password", length
 WScript.Echo "EncryptData/DecryptData round trip: " & opened
 WScript.Echo ""
 
+' --- Files ----------------------------------------------------------------
+' File methods report through their Error argument; 0 means success.
+Dim fso, folder, original, e
+Set fso = CreateObject("Scripting.FileSystemObject")
+folder = fso.GetSpecialFolder(2)
+original = folder & "\fileencoder-demo.txt"
+With fso.CreateTextFile(original, True)
+  .Write text
+  .Close
+End With
+fe.EncodeFile original, folder & "\fileencoder-demo.yenc", 4, e   ' fileEncodeYencode
+WScript.Echo "EncodeFile to yEnc: Error " & e & ", first line: " & _
+  fso.OpenTextFile(folder & "\fileencoder-demo.yenc").ReadLine
+fe.CompressFile original, folder & "\fileencoder-demo.bz2", 2, 9, e   ' bzip2, level 9
+WScript.Echo "CompressFile with bzip2: Error " & e & ", " & fso.GetFile(original).Size & _
+  " bytes became " & fso.GetFile(folder & "\fileencoder-demo.bz2").Size
+fe.ExpandFile folder & "\fileencoder-demo.bz2", folder & "\fileencoder-demo.out", 0, e   ' detect
+WScript.Echo "ExpandFile with detection: Error " & e & ", same text: " & _
+  (fso.OpenTextFile(folder & "\fileencoder-demo.out").ReadAll = text)
+fe.CompressFile folder & "\no-such-file.txt", folder & "\x.z", , , e
+WScript.Echo "CompressFile of a missing file: Error " & e & " (" & fe.LastErrorString & ")"
+fso.DeleteFile folder & "\fileencoder-demo.*"
+WScript.Echo ""
+
 ' --- Errors ---------------------------------------------------------------
 ' Failures set LastError and LastErrorString; methods report through their
 ' Result or Error argument too.
