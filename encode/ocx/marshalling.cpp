@@ -103,29 +103,21 @@ HRESULT GetOptionalInteger(const VARIANT* value, DWORD fallback, DWORD* result) 
     *result = fallback;
     return S_OK;
   }
-  if (value->vt & VT_BYREF) {
-    ScopedVariant converted;
-    const HRESULT hr = ::VariantChangeType(converted.get(), const_cast<VARIANT*>(value), 0, VT_I4);
-    if (FAILED(hr)) return hr;
-    *result = static_cast<DWORD>(converted.get()->lVal);
+  // Direct 16- and 32-bit integers are folded; by-reference values and other
+  // kinds are only converted.
+  if (value->vt == VT_I2) {
+    *result = FoldSixteenBits(value->iVal);
     return S_OK;
   }
-  switch (value->vt) {
-    case VT_I2:
-      *result = FoldSixteenBits(value->iVal);
-      return S_OK;
-    case VT_I4:
-      *result = FoldSixteenBits(value->lVal);
-      return S_OK;
-    default: {
-      ScopedVariant converted;
-      const HRESULT hr =
-          ::VariantChangeType(converted.get(), const_cast<VARIANT*>(value), 0, VT_I4);
-      if (FAILED(hr)) return hr;
-      *result = static_cast<DWORD>(converted.get()->lVal);
-      return S_OK;
-    }
+  if (value->vt == VT_I4) {
+    *result = FoldSixteenBits(value->lVal);
+    return S_OK;
   }
+  ScopedVariant converted;
+  const HRESULT hr = ::VariantChangeType(converted.get(), const_cast<VARIANT*>(value), 0, VT_I4);
+  if (FAILED(hr)) return hr;
+  *result = static_cast<DWORD>(converted.get()->lVal);
+  return S_OK;
 }
 
 HRESULT GetDataInput(const VARIANT& argument, UINT codePage, DataInput* input) {

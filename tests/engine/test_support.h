@@ -73,8 +73,8 @@ inline std::string Encode(const std::string& input, uint32_t flags) {
   return Encode(ToBytes(input), flags);
 }
 
-// DecodeBuffer into a roomy buffer; returns the bytes, or nullopt-like
-// failure through `ok`.
+// DecodeBuffer into a roomy buffer; returns the bytes (none on failure) and
+// the raw result through `result`.
 inline Bytes Decode(const std::string& text, uint32_t flags, int32_t* result = nullptr,
                     size_t room = 0) {
   Bytes out(room ? room : text.size() + 64);
