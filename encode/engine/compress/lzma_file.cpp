@@ -45,48 +45,38 @@ uint32_t ErrorFor(lzma_ret result) {
 // An open source and output, removed again unless the work succeeds.
 class LzmaJob {
  public:
-  LzmaJob(const char* source, const char* output) : source_(source), output_(output) {}
+  LzmaJob(const char* source, const char* output) : source_(source), output_name_(output) {}
 
   // The common checks: the source must be a non-empty regular file.
   bool Open() {
     if (!CheckSource(source_)) return false;
-    const platform::FileHandle in = platform::OpenFile(source_, platform::FileOpen::kRead);
-    if (in == platform::kInvalidFile) return false;
-    input_handle_ = in;
-    if (!platform::GetFileSize(in, &size_)) return false;
+    input_.Reset(platform::OpenFile(source_, platform::FileOpen::kRead));
+    if (!input_.Valid() || !platform::GetFileSize(input_.get(), &size_)) return false;
     if (size_ == 0) return Fail(ControlError(ovErrorFileEmpty));
-    target_ = std::make_unique<Output>(source_, output_);
-    output_handle_ = platform::OpenFile(target_->Path().c_str(), platform::FileOpen::kCreate);
-    if (output_handle_ == platform::kInvalidFile) {
+    target_ = std::make_unique<Output>(source_, output_name_);
+    output_.Reset(platform::OpenFile(target_->Path().c_str(), platform::FileOpen::kCreate));
+    if (!output_.Valid()) {
       if (target_->InPlace()) target_->Discard();
       return false;
     }
     return true;
   }
 
-  ~LzmaJob() {
-    platform::CloseFile(input_handle_);
-    platform::CloseFile(output_handle_);
-  }
-
-  platform::FileHandle input() const { return input_handle_; }
-  platform::FileHandle output() const { return output_handle_; }
+  platform::FileHandle input() const { return input_.get(); }
+  platform::FileHandle output() const { return output_.get(); }
   uint64_t size() const { return size_; }
 
   // Removes the output and records the reason.
   bool Fail(uint32_t code) {
-    platform::CloseFile(output_handle_);
-    output_handle_ = platform::kInvalidFile;
+    output_.Close();
     if (target_ != nullptr) target_->Discard();
     SetLastError(code);
     return false;
   }
 
   bool Succeed() {
-    platform::CloseFile(output_handle_);
-    output_handle_ = platform::kInvalidFile;
-    platform::CloseFile(input_handle_);
-    input_handle_ = platform::kInvalidFile;
+    output_.Close();
+    input_.Close();  // Windows will not replace a file that is still open
     if (!target_->Commit()) return false;
     SetLastError(0);
     return true;
@@ -94,9 +84,9 @@ class LzmaJob {
 
  private:
   const char* source_;
-  const char* output_;
-  platform::FileHandle input_handle_ = platform::kInvalidFile;
-  platform::FileHandle output_handle_ = platform::kInvalidFile;
+  const char* output_name_;
+  ScopedFile input_;
+  ScopedFile output_;
   uint64_t size_ = 0;
   std::unique_ptr<Output> target_;
 };
