@@ -8,7 +8,8 @@ JOBS ?= 2
 FUZZ_SECONDS ?= 30
 ROOT := $(CURDIR)
 WINE_RUN := $(ROOT)/scripts/wine-run.sh
-CMAKE := cmake -G Ninja -Wno-dev
+# The build uses Debian's Python, whose modules the bootstrap installs.
+CMAKE := cmake -G Ninja -Wno-dev -DPython3_EXECUTABLE=/usr/bin/python3
 
 .PHONY: test demo demo-engine bench fuzz-smoke bootstrap native asan win64 win32 fuzz clean
 
@@ -34,6 +35,7 @@ fuzz-smoke: fuzz
 bootstrap:
 	@if [ "$$(id -u)" = 0 ]; then scripts/bootstrap.sh; \
 	else echo "bootstrap: not root, assuming the packages of scripts/bootstrap.sh are installed"; fi
+	@/usr/bin/python3 scripts/check-tools.py
 
 native: bootstrap
 	@$(CMAKE) -S . -B $(BUILD)/native -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null

@@ -7,9 +7,9 @@ packages=(
   cmake ninja-build make g++ clang libclang-rt-14-dev clang-format
   googletest libgtest-dev libbenchmark-dev
   zlib1g-dev libbz2-dev liblzma-dev libicu-dev libssl-dev
-  mingw-w64 mingw-w64-tools libz-mingw-w64-dev libwine-dev wine wine64 xvfb xauth
+  mingw-w64 mingw-w64-tools libz-mingw-w64-dev libwine-dev wine wine64 wine64-tools xvfb xauth
   imagemagick
-  dpkg-dev python3 python3-base58 python3-sabyenc coreutils bzip2 xz-utils sharutils uudeview
+  dpkg-dev python3 openssl python3-base58 python3-sabyenc coreutils bzip2 xz-utils sharutils uudeview
 )
 
 missing=()
