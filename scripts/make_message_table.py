@@ -2,7 +2,7 @@
 """Writes the Windows message-table source (.mc, for windmc) from the list of
 error codes, so that the resource and the Linux table come from one place.
 
-    make_message_table.py error_codes.inc messages.mc
+    make_message_table.py file_encoder_errors.inc messages.mc
 """
 import re
 import sys

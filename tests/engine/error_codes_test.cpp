@@ -19,7 +19,7 @@ const std::vector<Code>& AllCodes() {
   static const std::vector<Code> codes = {
 #define FE_ERROR_MESSAGE(number, text)
 #define FE_ERROR_CODE(name, number, text) {#name, name, text},
-#include "error_codes.inc"
+#include "file_encoder_errors.inc"
 #undef FE_ERROR_CODE
 #undef FE_ERROR_MESSAGE
   };
@@ -48,7 +48,7 @@ TEST(ErrorCodes, FullCodeCarriesTheControlFacility) {
   EXPECT_EQ(FE_CONTROL_ERROR(ovErrorInvalidParameter), 0x8004271Eu);
 }
 
-TEST(ErrorCodes, ProducedCodesHaveTheirExactTexts) {
+TEST(ErrorCodes, PublishedTextsAreExact) {
   const std::vector<std::pair<uint32_t, const char*>> expected = {
       {0x80042715, "The specified file type is invalid or not a regular file"},
       {0x80042718, "The specified file name contains invalid characters or is too long"},
@@ -64,6 +64,8 @@ TEST(ErrorCodes, ProducedCodesHaveTheirExactTexts) {
       {0x80042FFE, "The specified file type could not be determined"},
       {0x8004303E, "The specified file checksums do not match"},
       {0x800430CF, "The specified message digest type is invalid"},
+      {0x80042F49, "Unable to decrypt data stream"},
+      {0x80042F4A, "Unable to encrypt data stream"},
   };
   for (const auto& [code, text] : expected)
     EXPECT_EQ(MessageOf(code), text);

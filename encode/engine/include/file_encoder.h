@@ -36,7 +36,7 @@ extern "C" {
 typedef enum ErrorCodes {
 #define FE_ERROR_MESSAGE(number, text)
 #define FE_ERROR_CODE(name, number, text) name = number,
-#include "error_codes.inc"
+#include "file_encoder_errors.inc"
 #undef FE_ERROR_CODE
 #undef FE_ERROR_MESSAGE
 } ErrorCodes;
@@ -71,6 +71,38 @@ enum EncoderDataConstants {
   dataEncodeWrapLines = 131072  /* Base64 and Base32: 72-column CR LF lines */
 };
 
+/* File encodings of EncodeFileByType and DecodeFileByType (bits 0-15 of
+ * flags; 0 and 1 are refused, files take Base64 through EncodeBuffer). */
+enum EncoderFileConstants {
+  fileEncodeDefault = 0,
+  fileEncodeBase64 = 1,
+  fileEncodeQuoted = 2,
+  fileEncodeUucode = 3,
+  fileEncodeYencode = 4,
+  fileEncodeBase58 = 6,
+  fileEncodeBase32 = 7,
+  fileEncodeBase85 = 8,
+
+  fileDecodeDefault = 0,
+  fileDecodeBase64 = 1,
+  fileDecodeQuoted = 2,
+  fileDecodeUucode = 3,
+  fileDecodeYencode = 4,
+  fileDecodeBase58 = 6,
+  fileDecodeBase32 = 7,
+  fileDecodeBase85 = 8
+};
+
+/* Methods of CompressFileByType and ExpandFileByType. */
+enum EncoderCompressionConstants {
+  fileCompressionUnknown = 0, /* expansion only: detect from the first two bytes */
+  fileCompressionDeflate = 1, /* a zlib stream */
+  fileCompressionDefault = 1,
+  fileCompressionBzip2 = 2,
+  fileCompressionBurrowsWheeler = 2,
+  fileCompressionLzma = 3 /* LZMA-alone: 13-byte header, then the raw stream */
+};
+
 #endif /* __FileEncoderCtl_LIBRARY_DEFINED__ */
 
 /* ---- Last error and messages ---- */
@@ -88,13 +120,25 @@ FE_API int32_t FormatErrorMessage(uint32_t code, char* buffer, int32_t size);
 /* ---- Data encoding dispatch ---- */
 
 /* Encodes inputLength bytes (UTF-16 code units for UTF-7 and UTF-8) into
- * output, NUL-terminated. Returns the number of characters, -1 on failure. */
+ * output, NUL-terminated. Returns the number of characters, -1 on failure
+ * (a buffer too small included: no result is ever cut short silently,
+ * except that UTF-7 and UTF-8 stop at a full buffer without a NUL).
+ *
+ * outputSize for n input bytes, NUL included: Base64 needs at least
+ * 4 * ceil(n / 3) + 5 and Base32 8 * ceil(n / 5) + 8 (with
+ * dataEncodeWrapLines, 2 more for each started 72-character line and 2 for
+ * the final line end); Base58 and Base85 are bounded by 138 * n / 100 + 2
+ * and 5 * ceil(n / 4) + 1, Z85 (n a multiple of 4) by 5 * n / 4 + 1,
+ * quoted-printable by 3 * n + 2 and URL by 3 * n + 1 (without
+ * dataEncodeWrapLines). */
 FE_API int32_t EncodeBuffer(const void* input, int32_t inputLength, char* output,
                             int32_t outputSize, uint32_t flags);
 
 /* Decodes the NUL-terminated text into output (UTF-16 code units for UTF-7
  * and UTF-8, outputSize counting code units). Returns the count produced,
- * -1 on failure. The output is not NUL-terminated. */
+ * -1 on failure. The output is not NUL-terminated, except that the UTF-7 and
+ * UTF-8 rows convert the text's terminating NUL as well and count it: "Hi"
+ * gives 3 code units, the last one 0. */
 FE_API int32_t DecodeBuffer(const char* text, void* output, int32_t outputSize, uint32_t flags);
 
 /* ---- Base64 ---- */
@@ -152,6 +196,9 @@ FE_API int32_t Base32EncodeFinish(Base32State* state, char* output, int32_t capa
 FE_API int32_t Base32DecodeChunk(const char* text, int32_t length, uint8_t* output,
                                  int32_t capacity, Base32State* state);
 
+/* The encoders' capacity counts the terminating NUL they write (a result of
+ * capacity characters or more fails); the decoders write no NUL and their
+ * capacity counts bytes. */
 FE_API int32_t Base58Encode(const uint8_t* input, int32_t length, char* output, int32_t capacity);
 FE_API int32_t Base58Decode(const char* text, uint8_t* output, int32_t capacity);
 
@@ -172,14 +219,23 @@ FE_API int DecryptBuffer(const char* password, const uint8_t* input, uint32_t in
                          uint8_t* output, uint32_t* outputLength);
 
 /* Cipher text is Base64 without padding. Capacities count the terminator.
- * Both return the length of the text written; 0 means failure when the last
- * error is set. */
+ * EncryptText returns the length of the cipher text, 0 on failure (and for
+ * an empty plain text, which succeeds with an empty cipher text and a last
+ * error of 0). DecryptText returns the string length of plainText after the
+ * call: on failure the buffer is left as it was, so the result is whatever
+ * it held before (0 for a buffer starting with a NUL); only the last error
+ * tells success (0) from failure (13 bad cipher text or wrong password,
+ * 122 buffer too small, 87 null arguments, 14 out of memory). Clear it
+ * before the call. */
 FE_API int32_t EncryptText(const char* password, const char* plainText, int32_t reserved,
                            char* cipherText, int32_t cipherCapacity);
 FE_API int32_t DecryptText(const char* password, const char* cipherText, char* plainText,
                            int32_t plainCapacity);
 
-/* ---- Paths and temporary files (at most 260 characters) ---- */
+/* ---- Paths and temporary files (at most 260 characters) ----
+ * Buffer sizes, terminator included: GetDriveDirectory, CombinePath,
+ * GetTempDirectory and CreateTempFileName write at most 260 bytes;
+ * GetFullPathFromName and GetPathDirectory up to 261. */
 
 /* Frees what an operation below allocated when given no output buffer. */
 FE_API void EngineFree(void* block);

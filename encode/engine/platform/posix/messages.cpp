@@ -22,7 +22,7 @@ struct MessageEntry {
 constexpr MessageEntry kControlMessages[] = {
 #define FE_ERROR_MESSAGE(number, text) {FE_CONTROL_ERROR(number), text},
 #define FE_ERROR_CODE(name, number, text) {FE_CONTROL_ERROR(number), text},
-#include "error_codes.inc"
+#include "file_encoder_errors.inc"
 #undef FE_ERROR_CODE
 #undef FE_ERROR_MESSAGE
 };
