@@ -1,12 +1,13 @@
 // CFileEncoder: the properties and the lazy conversions of the text slots.
 
-#include <cstdio>
 #include <new>
 
+#include "codecs/data_dispatch.h"
 #include "control.h"
 #include "file_encoder.h"
 #include "marshalling.h"
 #include "module.h"
+#include "version_text.h"
 
 namespace fe::ocx {
 
@@ -42,27 +43,6 @@ std::wstring Utf8ToWide(const char* text) {
 std::string WideToUtf8(const std::wstring& text) {
   // Text and passwords reach the cipher as C strings, up to an embedded NUL.
   return ToMultiByte(text.c_str(), wcslen(text.c_str()), CP_UTF8);
-}
-
-// The module's file version as "a.b.c.d", or empty when it has none.
-std::wstring ModuleVersion() {
-  const std::wstring path = ModulePath();
-  DWORD handle = 0;
-  const DWORD size = ::GetFileVersionInfoSizeW(path.c_str(), &handle);
-  if (size == 0) return {};
-  std::string data(size, '\0');
-  VS_FIXEDFILEINFO* info = nullptr;
-  UINT length = 0;
-  if (!::GetFileVersionInfoW(path.c_str(), 0, size, data.data()) ||
-      !::VerQueryValueW(data.data(), L"\\", reinterpret_cast<void**>(&info), &length) ||
-      info == nullptr) {
-    return {};
-  }
-  char text[64];
-  std::snprintf(text, sizeof text, "%hu.%hu.%hu.%hu", HIWORD(info->dwFileVersionMS),
-                LOWORD(info->dwFileVersionMS), HIWORD(info->dwFileVersionLS),
-                LOWORD(info->dwFileVersionLS));
-  return ToWide(text, strlen(text), CP_THREAD_ACP);
 }
 
 }  // namespace
@@ -168,7 +148,7 @@ STDMETHODIMP CFileEncoder::get_LastErrorString(BSTR* value) {
 STDMETHODIMP CFileEncoder::get_Version(BSTR* value) {
   FE_GUARD_READ(value);
   // Cached once built; a module without a version resource is asked again.
-  if (version_text_.empty()) version_text_ = ModuleVersion();
+  if (version_text_.empty()) version_text_ = FileVersionText(ModulePath());
   return CopyOut(version_text_, value);
 }
 
@@ -216,7 +196,8 @@ HRESULT CFileEncoder::ConvertTextSlot(bool encode, BSTR* value) {
   const size_t length = source.size();
   const bool unicode = encoding_ == dataEncodeUTF7 || encoding_ == dataEncodeUTF8;
   if (encode) {
-    ScratchBlock<char> text(heap_, 3 * length + 1025);
+    const size_t room = 3 * length + 1025;
+    ScratchBlock<char> text(heap_, room);
     if (!text) return kOutOfMemoryError;
     int32_t count;
     if (unicode) {
@@ -230,9 +211,10 @@ HRESULT CFileEncoder::ConvertTextSlot(bool encode, BSTR* value) {
                                 bytes.get(), static_cast<int>(4 * length + 4), nullptr, nullptr);
       // Kept exactly as earlier versions called it: the length in UTF-16
       // units and the converted byte count as the output size. Base64 text
-      // never comes out of this, and longer conversions are cut.
-      count =
-          EncodeBuffer(bytes.get(), static_cast<int32_t>(length), text.get(), converted, encoding_);
+      // never comes out of this, and longer conversions are cut; steps
+      // that go past that size still land in the buffer owned here.
+      count = codecs::EncodeBufferWithin(bytes.get(), static_cast<int32_t>(length), text.get(),
+                                         converted, static_cast<int64_t>(room), encoding_);
     }
     if (count > 0) target = ToWide(text.get(), static_cast<size_t>(count), CP_THREAD_ACP);
     return CopyOut(target, value);
@@ -251,7 +233,8 @@ HRESULT CFileEncoder::ConvertTextSlot(bool encode, BSTR* value) {
     ScratchBlock<char> data(heap_, length + 1025);
     if (!data) return kOutOfMemoryError;
     const int32_t count =
-        DecodeBuffer(bytes.get(), data.get(), static_cast<int32_t>(length + 1024), encoding_);
+        codecs::DecodeBufferWithin(bytes.get(), data.get(), static_cast<int32_t>(length + 1024),
+                                   static_cast<int64_t>(length + 1025), encoding_);
     // Decoded bytes are read in the thread's ANSI code page, not in
     // CodePage: the asymmetry with encoding is what callers have relied on.
     if (count > 0) target = ToWide(data.get(), strlen(data.get()), CP_THREAD_ACP);

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "codecs/data_dispatch.h"
 #include "test_support.h"
 
 namespace fe::test {
@@ -99,6 +100,60 @@ TEST(DataDispatch, WrapFlagIsIgnoredByOtherEncodings) {
   for (uint32_t encoding : {3u, 6u, 8u}) {
     EXPECT_EQ(Encode(input, encoding | dataEncodeWrapLines), Encode(input, encoding));
   }
+}
+
+// Where the steps, followed to the letter, write past the size they were
+// given: inside memory the caller owns, the literal result; at the edge of
+// the memory, -1 and nothing written past it.
+struct LiteralCase {
+  const char* input;
+  int32_t length;
+  int32_t outputSize;
+  uint32_t flags;
+  const char* literal;
+};
+
+TEST(DataDispatch, StepsPastTheOutputSizeGiveTheLiteralResultInsideOwnedMemory) {
+  const LiteralCase cases[] = {
+      {"=", 1, 2, dataEncodeQuoted, "=3D"},
+      {"@", 1, 2, dataEncodeQuoted, "=40"},
+      {"a=", 2, 3, dataEncodeQuoted, "a=3D"},
+      {"\xC3\xA9", 1, 3, dataEncodeQuoted, "=C3"},
+      {"ab", 2, 2, dataEncodeURL, "ab"},
+      {"a", 1, 6, dataEncodeBase64 | dataEncodeWrapLines, "YQ==\r\n"},
+  };
+  for (const LiteralCase& c : cases) {
+    GuardedBuffer roomy(1028);
+    const int32_t count = fe::codecs::EncodeBufferWithin(c.input, c.length, roomy.chars(),
+                                                         c.outputSize, roomy.size(), c.flags);
+    ASSERT_EQ(ToString(roomy.chars(), count), c.literal) << c.input;
+    EXPECT_EQ(roomy.chars()[count], '\0');
+    // The public call owns only outputSize bytes: the same steps fail there.
+    GuardedBuffer exact(static_cast<size_t>(c.outputSize));
+    EXPECT_EQ(EncodeBuffer(c.input, c.length, exact.chars(), exact.size(), c.flags), -1) << c.input;
+    EXPECT_TRUE(exact.GuardIntact());
+  }
+}
+
+TEST(DataDispatch, OwnedMemoryStillBoundsEveryWrite) {
+  GuardedBuffer buffer(3);
+  EXPECT_EQ(
+      fe::codecs::EncodeBufferWithin("=", 1, buffer.chars(), 2, buffer.size(), dataEncodeQuoted),
+      -1);
+  EXPECT_TRUE(buffer.GuardIntact());
+  // Memory smaller than the size to check is refused outright.
+  EXPECT_EQ(fe::codecs::EncodeBufferWithin("a", 1, buffer.chars(), 3, 2, dataEncodeURL), -1);
+  EXPECT_EQ(fe::codecs::DecodeBufferWithin("a", buffer.bytes(), 3, 2, dataDecodeURL), -1);
+}
+
+TEST(DataDispatch, UrlDecodingTerminatesAFullOutputOnlyInOwnedMemory) {
+  GuardedBuffer roomy(8);
+  EXPECT_EQ(fe::codecs::DecodeBufferWithin("abc", roomy.bytes(), 3, roomy.size(), dataDecodeURL),
+            3);
+  EXPECT_EQ(roomy.chars()[3], '\0');
+  GuardedBuffer exact(3);
+  EXPECT_EQ(DecodeBuffer("abc", exact.bytes(), exact.size(), dataDecodeURL), 3);
+  EXPECT_TRUE(exact.GuardIntact());
 }
 
 }  // namespace

@@ -9,6 +9,11 @@ Check "LastErrorString of 10014", fe.LastErrorString, "Invalid argument passed t
 
 fe.LastError = 70000
 Check "LastError 70000 reads its low 16 bits", fe.LastError, 4464
+Check "LastError 70000 is stored as is", fe.LastErrorString, "Undefined control error (0x00011170)"
+fe.LastError = 65536
+Check "LastError 65536 is stored as is", fe.LastErrorString, "Undefined control error (0x00010000)"
+fe.LastError = 65535
+Check "LastError 65535 is widened", fe.LastErrorString, "Undefined control error (0x8004FFFF)"
 
 fe.LastError = 0
 Check "LastError 0 gives an empty string", fe.LastErrorString, ""
