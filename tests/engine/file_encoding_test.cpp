@@ -107,6 +107,18 @@ TEST_F(FileEncoding, ExistingOutputIsReplaced) {
   EXPECT_EQ(ToString(TempFolder::Read(output)), "MFRGG=======\r\n");
 }
 
+TEST_F(FileEncoding, Base32FileWithAForeignCharacterInsideAGroupFails) {
+  bool ok = true;
+  const Bytes decoded = Decoded("MZ!XW6YTB", kBase32, &ok);
+  EXPECT_FALSE(ok);
+  // The failing chunk's bytes are not written; the (empty) output stays.
+  EXPECT_TRUE(TempFolder::Exists(folder_.Path("decoded.bin")));
+  EXPECT_TRUE(decoded.empty());
+  // Between groups the same character is passed over.
+  EXPECT_EQ(ToString(Decoded("MZXW6YTB!OI======", kBase32, &ok)), "foobar");
+  EXPECT_TRUE(ok);
+}
+
 TEST_F(FileEncoding, NamesAreChecked) {
   const std::string input = folder_.Write("in", ToBytes("abc"));
   for (uint32_t flags : {kBase58, kBase32, kBase85}) {

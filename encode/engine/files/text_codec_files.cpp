@@ -130,7 +130,8 @@ int Base32DecodeFile(const char* inputName, const char* outputName) {
   uint8_t bytes[kChunk];
   for (uint32_t n; (n = ReadChunk(files.input.get(), text, kChunk)) > 0;) {
     const int32_t count = Base32DecodeChunk(text, static_cast<int32_t>(n), bytes, kChunk, &state);
-    if (count > 0) WriteUnchecked(files.output.get(), bytes, static_cast<uint32_t>(count));
+    if (count < 0) return 0;  // the partial output stays
+    WriteUnchecked(files.output.get(), bytes, static_cast<uint32_t>(count));
   }
   return 1;
 }
