@@ -91,8 +91,8 @@ STDMETHODIMP CFileEncoder::CompressData(VARIANT InputData, VARIANT* OutputData, 
   if (FAILED(hr)) return hr;
   // Four times the input: one- and two-byte inputs do not fit the shortest
   // zlib stream and fail, as they always have.
-  DWORD capacity = output.Capacity() ? output.Capacity() : 4 * input.length;
-  ScratchBlock<BYTE> compressed(heap_, capacity);
+  DWORD capacity = output.Capacity(4 * input.length);
+  ScratchBlock<BYTE> compressed(heap_, capacity + 1);
   if (!compressed) return kOutOfMemoryError;
   if (!DeflateBuffer(input.data, static_cast<int32_t>(input.length), compressed.get(),
                      reinterpret_cast<uint32_t*>(&capacity))) {
@@ -138,8 +138,8 @@ STDMETHODIMP CFileEncoder::ExpandData(VARIANT InputData, VARIANT* OutputData, VA
     }
   }
   if (length == 0) return S_OK;
-  DWORD capacity = output.Capacity();
-  if (capacity == 0) {
+  DWORD capacity = output.Capacity(0);
+  if (!output.HasArray()) {
     // Half as much again as the measured size, as earlier versions allowed.
     uint32_t measured = 0;
     if (!InflateBuffer(data, static_cast<int32_t>(length), nullptr, &measured)) {
@@ -148,7 +148,7 @@ STDMETHODIMP CFileEncoder::ExpandData(VARIANT InputData, VARIANT* OutputData, VA
     }
     capacity = measured + measured / 2;
   }
-  ScratchBlock<BYTE> expanded(heap_, capacity);
+  ScratchBlock<BYTE> expanded(heap_, capacity + 1);
   if (!expanded) return kOutOfMemoryError;
   if (!InflateBuffer(data, static_cast<int32_t>(length), expanded.get(),
                      reinterpret_cast<uint32_t*>(&capacity))) {
@@ -174,8 +174,9 @@ STDMETHODIMP CFileEncoder::DecryptData(VARIANT InputData, VARIANT* OutputData, V
 HRESULT CFileEncoder::CipherData(bool encrypt, const VARIANT& InputData, VARIANT* OutputData,
                                  const VARIANT& Password, VARIANT* Result) {
   SetOutInteger(Result, 0);
+  // Cipher text given as a string is UTF-8 whatever CodePage says.
   DataInput input;
-  HRESULT hr = GetDataInput(InputData, code_page_, &input);
+  HRESULT hr = GetDataInput(InputData, encrypt ? code_page_ : CP_UTF8, &input);
   if (hr != S_OK) return FAILED(hr) ? hr : S_OK;
   DataOutput output;
   hr = output.Prepare(OutputData);
@@ -199,7 +200,7 @@ HRESULT CFileEncoder::CipherData(bool encrypt, const VARIANT& InputData, VARIANT
       length = static_cast<DWORD>(count);
     }
   }
-  DWORD capacity = output.Capacity() ? output.Capacity() : length + (encrypt ? 16 : 0);
+  DWORD capacity = output.Capacity(length + (encrypt ? 16 : 0));
   ScratchBlock<BYTE> result(heap_, capacity + 1);
   if (!result) return kOutOfMemoryError;
   const auto run = encrypt ? EncryptBuffer : DecryptBuffer;

@@ -2,6 +2,7 @@
 
 #include <oleauto.h>
 
+#include <algorithm>
 #include <cstring>
 
 namespace fe::ocx {
@@ -103,8 +104,9 @@ HRESULT GetOptionalInteger(const VARIANT* value, DWORD fallback, DWORD* result) 
     *result = fallback;
     return S_OK;
   }
-  // Direct 16- and 32-bit integers are folded; by-reference values and other
-  // kinds are only converted.
+  // 16- and 32-bit integers are folded, whether given directly or by
+  // reference (a script variable, a ByRef Integer); other kinds are only
+  // converted.
   if (value->vt == VT_I2) {
     *result = FoldSixteenBits(value->iVal);
     return S_OK;
@@ -116,7 +118,8 @@ HRESULT GetOptionalInteger(const VARIANT* value, DWORD fallback, DWORD* result) 
   ScopedVariant converted;
   const HRESULT hr = ::VariantChangeType(converted.get(), const_cast<VARIANT*>(value), 0, VT_I4);
   if (FAILED(hr)) return hr;
-  *result = static_cast<DWORD>(converted.get()->lVal);
+  const LONG number = converted.get()->lVal;
+  *result = (value->vt & VT_BYREF) ? FoldSixteenBits(number) : static_cast<DWORD>(number);
   return S_OK;
 }
 
@@ -135,9 +138,11 @@ HRESULT GetDataInput(const VARIANT& argument, UINT codePage, DataInput* input) {
     if (array != nullptr && ::SafeArrayGetDim(array) != 1) return kInvalidCall;
     if ((value->vt & VT_TYPEMASK) != VT_UI1) return E_INVALIDARG;
     if (array == nullptr) return S_FALSE;
-    input->data = static_cast<const BYTE*>(array->pvData);
+    // An array of no elements is data of length 0, not a missing array.
+    static const BYTE kNoBytes[1] = {};
     input->length = array->rgsabound[0].cElements;
-    return input->length == 0 ? S_FALSE : S_OK;
+    input->data = input->length > 0 ? static_cast<const BYTE*>(array->pvData) : kNoBytes;
+    return S_OK;
   }
   if ((value->vt & VT_TYPEMASK) != VT_BSTR) return E_INVALIDARG;
   const BSTR string = byReference ? *value->pbstrVal : value->bstrVal;
@@ -163,6 +168,7 @@ HRESULT DataOutput::Prepare(VARIANT* argument) {
   SAFEARRAY* array = *Array();
   if (array != nullptr) {
     if (::SafeArrayGetDim(array) != 1) return E_INVALIDARG;
+    has_array_ = true;
     capacity_ = array->rgsabound[0].cElements;
   }
   return S_OK;
@@ -179,8 +185,10 @@ HRESULT DataOutput::StoreBytes(const BYTE* data, DWORD length) {
     *array = ::SafeArrayCreateVector(VT_UI1, 0, length);
     if (*array == nullptr) return kOutOfMemoryError;
   }
-  // A caller's array keeps its size; only the first `length` bytes change.
-  if (length > 0) std::memcpy((*array)->pvData, data, length);
+  // A caller's array keeps its size; only the first `length` bytes change,
+  // and never more than it holds.
+  const DWORD fits = std::min<DWORD>(length, (*array)->rgsabound[0].cElements);
+  if (fits > 0) std::memcpy((*array)->pvData, data, fits);
   return S_OK;
 }
 

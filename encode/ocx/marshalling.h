@@ -49,7 +49,8 @@ struct DataInput {
   DWORD length = 0;
   std::string text;  // the converted string input
 };
-// S_FALSE: nothing to do (an empty string or a null array).
+// S_FALSE: nothing to do (an empty string or a null array). An array of no
+// elements is input of length 0.
 HRESULT GetDataInput(const VARIANT& value, UINT codePage, DataInput* input);
 
 // Rule O.
@@ -57,8 +58,10 @@ class DataOutput {
  public:
   HRESULT Prepare(VARIANT* argument);
   bool WantsBytes() const { return bytes_; }
-  // The caller's array size, or 0 when the control chooses the capacity.
-  DWORD Capacity() const { return capacity_; }
+  // The caller's array size (0 included) when the caller gave an array,
+  // else the capacity the method chooses.
+  DWORD Capacity(DWORD chosen) const { return has_array_ ? capacity_ : chosen; }
+  bool HasArray() const { return has_array_; }
   HRESULT StoreBytes(const BYTE* data, DWORD length);
   HRESULT StoreText(const std::wstring& text);
 
@@ -66,6 +69,7 @@ class DataOutput {
   SAFEARRAY** Array() const;
   VARIANT* target_ = nullptr;
   bool bytes_ = false;
+  bool has_array_ = false;
   DWORD capacity_ = 0;
 };
 

@@ -68,6 +68,30 @@ TEST(IntegerOption, ByReferenceValuesAreConverted) {
   EXPECT_EQ(result, 1234u);
 }
 
+TEST(IntegerOption, ByReferenceNegativeValuesAreFoldedToo) {
+  SHORT shortValue = -1;
+  VARIANT shortRef;
+  shortRef.vt = VT_BYREF | VT_I2;
+  shortRef.piVal = &shortValue;
+  LONG longValue = -1;
+  VARIANT longRef;
+  longRef.vt = VT_BYREF | VT_I4;
+  longRef.plVal = &longValue;
+  // A script variable: a by-reference variant holding a 32-bit integer.
+  Variant held(-32768);
+  VARIANT variantRef = ByReference(held.get());
+  DWORD result = 0;
+  ASSERT_EQ(GetOptionalInteger(&shortRef, 7, &result), S_OK);
+  EXPECT_EQ(result, 65535u);
+  ASSERT_EQ(GetOptionalInteger(&longRef, 7, &result), S_OK);
+  EXPECT_EQ(result, 65535u);
+  ASSERT_EQ(GetOptionalInteger(&variantRef, 7, &result), S_OK);
+  EXPECT_EQ(result, 32768u);
+  longValue = -40000;
+  ASSERT_EQ(GetOptionalInteger(&longRef, 7, &result), S_OK);
+  EXPECT_EQ(result, static_cast<DWORD>(-40000));
+}
+
 TEST(StringArgument, NumberIsUsedAsItsDecimalText) {
   Variant number(123);
   std::string text;

@@ -77,5 +77,37 @@ fe.ThrowError = False
 Check "type 0 Error", e, 10014
 Check "State is idle after the work", fe.State, 0
 
+' Negative numbers held in variables reach the control by reference and are
+' folded like direct ones: -1 is 65535, not a word with bit 16 set.
+Function TemporaryFileCount()
+  Dim f
+  TemporaryFileCount = 0
+  For Each f In fso.GetFolder(fso.GetSpecialFolder(2)).Files
+    If Left(f.Name, 2) = "~r" Then TemporaryFileCount = TemporaryFileCount + 1
+  Next
+End Function
+Dim minusOne, before
+minusOne = -1
+before = TemporaryFileCount()
+fe.DecodeFile folder & "\source.yenc", folder & "\back5.txt", minusOne, e
+Check "by-reference -1 as Encoding leaves no temporary file", TemporaryFileCount(), before
+Check "by-reference -1 as Encoding decodes nothing", ReadText(folder & "\back5.txt"), "<missing>"
+fe.EncodeFile source, folder & "\out5.txt", minusOne, e
+Check "by-reference -1 as Encoding encodes nothing", ReadText(folder & "\out5.txt"), "<missing>"
+Check "no temporary file after encoding either", TemporaryFileCount(), before
+fe.CompressFile source, folder & "\level9.z", 1, 9, e
+fe.CompressFile source, folder & "\levelMinus1.z", 1, minusOne, e
+Check "by-reference -1 as level is level 9", e, 0
+Check "level 65535 compresses as level 9", fso.GetFile(folder & "\levelMinus1.z").Size, _
+  fso.GetFile(folder & "\level9.z").Size
+fe.CompressFile source, folder & "\type.z", minusOne, , e
+Check "by-reference -1 as type writes nothing", ReadText(folder & "\type.z"), "<missing>"
+fe.ExpandFile folder & "\source.z", folder & "\type.txt", minusOne, e
+Check "by-reference -1 as expansion type writes nothing", ReadText(folder & "\type.txt"), "<missing>"
+Dim minusForty
+minusForty = -40000
+fe.EncodeFile source, folder & "\out6.txt", minusForty, e
+Check "by-reference -40000 is no encoding", ReadText(folder & "\out6.txt"), "<missing>"
+
 fso.DeleteFolder folder, True
 Summary
