@@ -229,11 +229,58 @@ TEST_F(FileEncoding, UudecodeSkipsTextAndAnyModeDigits) {
   EXPECT_TRUE(ok);
 }
 
+// Runs in the test's folder as the current directory.
+class InFolder {
+ public:
+  explicit InFolder(const std::string& folder) : saved_(std::filesystem::current_path()) {
+    std::filesystem::current_path(folder);
+  }
+  ~InFolder() { std::filesystem::current_path(saved_); }
+
+ private:
+  std::filesystem::path saved_;
+};
+
 TEST_F(FileEncoding, UudecodeWithoutOutputNameUsesTheStoredName) {
-  const std::string input = folder_.Write(
-      "in.uu", ToBytes("begin 644 " + folder_.Path("stored.txt") + "\r\n#86)C\r\n`\r\nend\r\n"));
+  std::filesystem::create_directory(folder_.Path("sub"));
+  const std::string input =
+      folder_.Write("in.uu", ToBytes("begin 644 sub/stored.txt\r\n#86)C\r\n`\r\nend\r\n"));
+  const InFolder here(folder_.Folder());
   ASSERT_TRUE(UudecodeFile(input.c_str(), ""));
-  EXPECT_EQ(ToString(TempFolder::Read(folder_.Path("stored.txt"))), "abc");
+  EXPECT_EQ(ToString(TempFolder::Read(folder_.Path("sub/stored.txt"))), "abc");
+}
+
+TEST_F(FileEncoding, UudecodeRefusesStoredNamesOutsideTheCurrentFolder) {
+  std::filesystem::create_directory(folder_.Path("inner"));
+  const InFolder here(folder_.Path("inner"));
+  for (const std::string name :
+       {folder_.Path("abs.txt"), std::string("../up.txt"), std::string("a/../../up2.txt"),
+        std::string("..\\up3.txt"), std::string("C:\\x.txt"), std::string("\\root.txt"),
+        std::string("..")}) {
+    const std::string input =
+        folder_.Write("in.uu", ToBytes("begin 644 " + name + "\r\n#86)C\r\n`\r\nend\r\n"));
+    EngineSetLastError(0);
+    EXPECT_FALSE(UudecodeFile(input.c_str(), "")) << name;
+    EXPECT_EQ(EngineGetLastError(), 123u) << name;
+    EXPECT_FALSE(UudecodeFile(input.c_str(), nullptr)) << name;
+  }
+  // Nothing was written anywhere: the folder holds the input and "inner".
+  EXPECT_EQ(folder_.Count(), 2u);
+  EXPECT_TRUE(std::filesystem::is_empty(folder_.Path("inner")));
+  // A name that merely contains dots is fine.
+  const std::string input =
+      folder_.Write("in.uu", ToBytes("begin 644 a..b.txt\r\n#86)C\r\n`\r\nend\r\n"));
+  EXPECT_TRUE(UudecodeFile(input.c_str(), ""));
+  EXPECT_EQ(ToString(TempFolder::Read(folder_.Path("inner/a..b.txt"))), "abc");
+}
+
+TEST_F(FileEncoding, UudecodeEmptyLineBeforeALongRunReadsNothingPastTheLine) {
+  // A long line first leaves the line buffer full; then an empty data line
+  // followed by 1024 bytes without a line end.
+  std::string text = "begin 644 x\n" + std::string(1000, 'M') + "\n\n" + std::string(1024, 'A');
+  bool ok = true;
+  Decoded(text, kUucode, &ok);
+  EXPECT_FALSE(ok);
 }
 
 // ---- yEnc ----

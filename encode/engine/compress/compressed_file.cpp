@@ -52,16 +52,32 @@ Output::Output(const char* source, const char* output) : source_(source) {
   if (CreateTempFileName(directory, nullptr, temporary) != nullptr) path_ = temporary;
 }
 
-void Output::Discard() const {
-  if (!path_.empty()) platform::RemoveFile(path_.c_str());
+platform::FileHandle Output::Create() {
+  const platform::FileHandle file = platform::OpenFile(path_.c_str(), platform::FileOpen::kCreate);
+  if (file == platform::kInvalidFile) {
+    // The temporary name was reserved by this call: give it up.
+    if (in_place_ && !path_.empty()) {
+      const uint32_t error = LastError();
+      platform::RemoveFile(path_.c_str());
+      SetLastError(error);
+    }
+    return file;
+  }
+  created_ = platform::IdentifyFile(file, &identity_);
+  return file;
 }
 
-bool Output::Commit() const {
-  if (!in_place_) return true;
-  if (platform::MoveFileReplacing(path_.c_str(), source_.c_str())) return true;
+void Output::Discard() const {
+  // The failure's code stays what the caller sees.
   const uint32_t error = LastError();
-  Discard();
+  if (created_) platform::RemoveCreatedFile(path_.c_str(), identity_);
   SetLastError(error);
+}
+
+bool Output::Commit(const platform::FileIdentity& source) const {
+  if (!in_place_) return true;
+  if (platform::ReplaceFile(path_.c_str(), source_.c_str(), source)) return true;
+  Discard();
   return false;
 }
 

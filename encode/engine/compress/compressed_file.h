@@ -24,18 +24,22 @@ class Output {
  public:
   Output(const char* source, const char* output);
   bool InPlace() const { return in_place_; }
-  // Empty when no temporary file could be reserved.
-  const std::string& Path() const { return path_; }
-  // Removes the output after a failure.
+  // Creates the output anew and remembers which file that was; on failure
+  // the reserved temporary name is given up again.
+  platform::FileHandle Create();
+  // Removes the output after a failure: only the file this call created.
   void Discard() const;
-  // In place: moves the result over the source; on failure removes it and
-  // leaves the move's error.
-  bool Commit() const;
+  // In place: moves the result over the source, provided the source is
+  // still the file that was read; on failure removes the result and leaves
+  // the reason.
+  bool Commit(const platform::FileIdentity& source) const;
 
  private:
   std::string source_;
   std::string path_;
   bool in_place_;
+  bool created_ = false;
+  platform::FileIdentity identity_;
 };
 
 // Closes a file handle when it goes out of scope.

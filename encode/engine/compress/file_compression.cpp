@@ -156,12 +156,11 @@ bool Pump(StreamCoder& coder, platform::FileHandle source, platform::FileHandle 
 // Opens the output and pumps; on failure the output is removed.
 bool Transform(const char* source, ScopedFile& input, const char* output, uint32_t type,
                Direction direction, uint32_t level) {
-  const Output target(source, output);
-  ScopedFile out(platform::OpenFile(target.Path().c_str(), platform::FileOpen::kCreate));
-  if (!out.Valid()) {
-    if (target.InPlace()) target.Discard();  // the reserved temporary name
-    return false;
-  }
+  platform::FileIdentity read;
+  if (!platform::IdentifyFile(input.get(), &read)) return false;
+  Output target(source, output);
+  ScopedFile out(target.Create());
+  if (!out.Valid()) return false;
   // Unknown types are refused only now, once both files are open.
   const std::unique_ptr<StreamCoder> coder = MakeCoder(type, direction, level);
   const bool done = coder != nullptr && Pump(*coder, input.get(), out.get());
@@ -172,7 +171,7 @@ bool Transform(const char* source, ScopedFile& input, const char* output, uint32
     target.Discard();
     return false;
   }
-  return target.Commit();
+  return target.Commit(read);
 }
 
 }  // namespace

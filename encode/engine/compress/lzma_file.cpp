@@ -51,15 +51,12 @@ class LzmaJob {
   bool Open() {
     if (!CheckSource(source_)) return false;
     input_.Reset(platform::OpenFile(source_, platform::FileOpen::kRead));
-    if (!input_.Valid() || !platform::GetFileSize(input_.get(), &size_)) return false;
+    if (!input_.Valid() || !platform::IdentifyFile(input_.get(), &read_)) return false;
+    size_ = read_.size;
     if (size_ == 0) return Fail(ControlError(ovErrorFileEmpty));
     target_ = std::make_unique<Output>(source_, output_name_);
-    output_.Reset(platform::OpenFile(target_->Path().c_str(), platform::FileOpen::kCreate));
-    if (!output_.Valid()) {
-      if (target_->InPlace()) target_->Discard();
-      return false;
-    }
-    return true;
+    output_.Reset(target_->Create());
+    return output_.Valid();
   }
 
   platform::FileHandle input() const { return input_.get(); }
@@ -77,7 +74,7 @@ class LzmaJob {
   bool Succeed() {
     output_.Close();
     input_.Close();  // Windows will not replace a file that is still open
-    if (!target_->Commit()) return false;
+    if (!target_->Commit(read_)) return false;
     SetLastError(0);
     return true;
   }
@@ -87,6 +84,7 @@ class LzmaJob {
   const char* output_name_;
   ScopedFile input_;
   ScopedFile output_;
+  platform::FileIdentity read_;
   uint64_t size_ = 0;
   std::unique_ptr<Output> target_;
 };

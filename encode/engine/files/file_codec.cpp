@@ -69,7 +69,7 @@ void BufferedWriter::Write(const void* data, uint32_t size) {
 }
 
 void BufferedWriter::Flush() {
-  WriteUnchecked(file_, data_, length_);
+  if (length_ > 0 && !failed_) failed_ = !compress::WriteAll(file_, data_, length_);
   length_ = 0;
 }
 

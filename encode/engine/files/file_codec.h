@@ -44,8 +44,8 @@ class BufferedReader {
   uint32_t length_ = 0;
 };
 
-// Collects output and writes it in 64 KiB pieces (and on Flush), unchecked
-// like the codecs that use it.
+// Collects output and writes it in 64 KiB pieces (and on Flush). Most
+// codecs never look at write errors; Failed() tells those that do.
 class BufferedWriter {
  public:
   explicit BufferedWriter(platform::FileHandle file) : file_(file) {}
@@ -54,11 +54,16 @@ class BufferedWriter {
   BufferedWriter& operator=(const BufferedWriter&) = delete;
   void Write(const void* data, uint32_t size);
   void Flush();
+  // Whether a write failed or was short, with the reason as last error.
+  bool Failed() const { return failed_; }
+  // Drops what is still buffered.
+  void Discard() { length_ = 0; }
 
  private:
   platform::FileHandle file_;
   uint8_t data_[65536];
   uint32_t length_ = 0;
+  bool failed_ = false;
 };
 
 // The base name of a path: after its last '\', else its last '/'.

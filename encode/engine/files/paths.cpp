@@ -16,6 +16,7 @@ using fe::platform::kSeparator;
 
 constexpr size_t kMaxPath = 260;
 constexpr int kTempNameAttempts = 256;
+constexpr uint32_t kErrorFileExists = 80;  // ERROR_FILE_EXISTS
 
 bool IsSeparator(char c) {
   return c == kSeparator || (fe::platform::kHasDrives && c == '/');
@@ -234,9 +235,14 @@ char* CreateTempFileName(const char* directory, const char* /*ignored*/, char* o
     std::snprintf(name, sizeof name, "~r%s.%s", ticks + 3, "tmp");
     const std::string candidate = base + name;
     if (Exists(candidate.c_str())) continue;
-    // Reserve the name; a failure to create the file is not an error here.
-    fe::platform::CloseFile(
-        fe::platform::OpenFile(candidate.c_str(), fe::platform::FileOpen::kCreate));
+    // Reserve the name by creating the file exclusively: a name another
+    // thread or program took meanwhile counts as existing, so two
+    // operations never share a temporary file. Any other failure to create
+    // it is not an error here.
+    const fe::platform::FileHandle file =
+        fe::platform::OpenFile(candidate.c_str(), fe::platform::FileOpen::kCreateNew);
+    if (file == fe::platform::kInvalidFile && fe::LastError() == kErrorFileExists) continue;
+    fe::platform::CloseFile(file);
     CopyPath(output, candidate);
     return output;
   }

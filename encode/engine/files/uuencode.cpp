@@ -4,6 +4,7 @@
 #include <cstring>
 #include <string>
 
+#include "errors/last_error.h"
 #include "file_encoder.h"
 #include "files/file_codec.h"
 
@@ -75,6 +76,22 @@ class UuLines {
   bool at_end_ = false;
 };
 
+constexpr uint32_t kErrorInvalidName = 123;  // ERROR_INVALID_NAME
+
+// Not absolute, no drive, no ".." segment (with either separator).
+bool IsPlainRelativeName(const std::string& name) {
+  if (name.empty() || name[0] == '/' || name[0] == '\\') return false;
+  if (name.size() >= 2 && name[1] == ':') return false;
+  size_t start = 0;
+  for (size_t i = 0; i <= name.size(); ++i) {
+    if (i == name.size() || name[i] == '/' || name[i] == '\\') {
+      if (name.compare(start, i - start, "..") == 0 && i - start == 2) return false;
+      start = i + 1;
+    }
+  }
+  return true;
+}
+
 }  // namespace
 
 extern "C" {
@@ -135,8 +152,14 @@ int UudecodeFile(const char* inputName, const char* outputName) {
   while (*name == ' ' || *name == '\t')
     ++name;
   const std::string storedName = name;
-  const char* target =
-      outputName != nullptr && *outputName != '\0' ? outputName : storedName.c_str();
+  const bool named = outputName != nullptr && *outputName != '\0';
+  // A name from a stranger's file may only name a file in the current
+  // folder or below it.
+  if (!named && !IsPlainRelativeName(storedName)) {
+    fe::SetLastError(kErrorInvalidName);
+    return 0;
+  }
+  const char* target = named ? outputName : storedName.c_str();
   ScopedFile output(fe::platform::OpenFile(target, fe::platform::FileOpen::kCreate));
   if (!output.Valid()) return 0;
   uint8_t bytes[kLineBufferSize];
@@ -152,8 +175,9 @@ int UudecodeFile(const char* inputName, const char* outputName) {
     // Nothing is validated: every character gives the six bits of
     // (c - 32), so '`' and space both read as 0, and the length character
     // alone decides how many bytes the line gives.
+    // An empty line has no characters after its (missing) length character.
     const auto* c = reinterpret_cast<const uint8_t*>(text + 1);
-    const size_t length = std::strlen(text + 1);
+    const size_t length = text[0] != '\0' ? std::strlen(text + 1) : 0;
     for (size_t at = 0; n > 0; at += 4, n -= 3) {
       if (used >= kDecodeFlushAt) {
         WriteUnchecked(output.get(), bytes, static_cast<uint32_t>(used));

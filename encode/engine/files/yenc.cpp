@@ -1,6 +1,7 @@
 // yEnc files: single-part encoding, single- and multi-part decoding with
-// size and CRC-32 checks. Both sides use C stdio ("rb", "wb") with the
-// 8-bit names as they are given.
+// size and CRC-32 checks. Both sides go through the platform's files with
+// its share modes, and refuse an output that is the input itself.
+#include <algorithm>
 #include <array>
 #include <cctype>
 #include <cstdio>
@@ -9,10 +10,15 @@
 #include <string>
 
 #include "codecs/codec_internal.h"
+#include "errors/last_error.h"
+#include "errors/system_errors.h"
 #include "file_encoder.h"
 #include "files/file_codec.h"
 
 namespace {
+
+using namespace fe::files;
+namespace platform = fe::platform;
 
 constexpr long kLineLength = 128;
 constexpr size_t kReadChunk = 4096;
@@ -39,21 +45,53 @@ bool IsCritical(uint8_t c) {
   return c == 0 || (c <= 61 && ((0x2000400000002600ull >> c) & 1));
 }
 
-// A file opened with stdio, closed on every path.
-class StdioFile {
+constexpr uint32_t kErrorSharingViolation = 32;
+constexpr uint32_t kErrorFileTooLarge = 223;  // ERROR_FILE_TOO_LARGE
+// The header's size is a signed 32-bit number.
+constexpr uint64_t kLargestFile = 0x7FFFFFFF;
+
+// Opens the output for a yEnc codec whose input is already open: an output
+// that is the input file itself, by any name, is refused (32) before it is
+// opened for writing.
+platform::FileHandle CreateOutput(platform::FileHandle input, const char* outputName,
+                                  platform::FileIdentity* created) {
+  platform::FileIdentity in, out;
+  if (platform::IdentifyFile(input, &in) && platform::IdentifyPath(outputName, &out) &&
+      in.SameFile(out)) {
+    fe::SetLastError(kErrorSharingViolation);
+    return platform::kInvalidFile;
+  }
+  const platform::FileHandle file = platform::OpenFile(outputName, platform::FileOpen::kCreate);
+  if (file != platform::kInvalidFile) platform::IdentifyFile(file, created);
+  return file;
+}
+
+// Lines of at most kMaxLine - 1 characters, each with its LF, as fgets
+// gives them.
+class LineReader {
  public:
-  StdioFile(const char* name, const char* mode) : file_(name ? std::fopen(name, mode) : nullptr) {}
-  ~StdioFile() { Close(); }
-  StdioFile(const StdioFile&) = delete;
-  StdioFile& operator=(const StdioFile&) = delete;
-  FILE* get() const { return file_; }
-  void Close() {
-    if (file_ != nullptr) std::fclose(file_);
-    file_ = nullptr;
+  explicit LineReader(platform::FileHandle file) : reader_(file) {}
+  bool Next(char* line) {
+    int length = 0;
+    while (length < kMaxLine - 1) {
+      if (at_ == have_) {
+        have_ = reader_.Read(chunk_, sizeof chunk_);
+        at_ = 0;
+        if (have_ == 0) break;
+      }
+      const char c = static_cast<char>(chunk_[at_++]);
+      line[length++] = c;
+      if (c == '\n') break;
+    }
+    line[length] = '\0';
+    return length > 0;
   }
 
  private:
-  FILE* file_;
+  BufferedReader reader_;
+  uint8_t chunk_[kReadChunk];
+  uint32_t at_ = 0;
+  uint32_t have_ = 0;
 };
 
 // A key's value: where "key" stands in the line not glued to a longer word.
@@ -73,11 +111,13 @@ bool StartsWith(const char* line, const char* prefix) {
 class Decoder {
  public:
   Decoder(const char* inputName, const char* outputName)
-      : input_(inputName, "rb"),
-        output_(input_.get() ? outputName : nullptr, "wb"),
-        output_name_(outputName ? outputName : "") {}
+      : input_(platform::OpenFile(inputName, platform::FileOpen::kRead)),
+        lines_(input_.get()),
+        output_name_(outputName ? outputName : "") {
+    if (input_.Valid()) output_.Reset(CreateOutput(input_.get(), outputName, &created_));
+  }
 
-  bool Opened() const { return input_.get() != nullptr && output_.get() != nullptr; }
+  bool Opened() const { return input_.Valid() && output_.Valid(); }
 
   int Run() {
     // The header: "=ybegin " with name=, size= and line=.
@@ -122,7 +162,7 @@ class Decoder {
   }
 
  private:
-  bool NextLine() { return std::fgets(line_, kMaxLine, input_.get()) != nullptr; }
+  bool NextLine() { return lines_.Next(line_); }
 
   bool ReadPartLine(long* begin, long* end) {
     if (!NextLine() || !StartsWith(line_, "=ypart ")) return false;
@@ -155,12 +195,12 @@ class Decoder {
         ++*count;
         buffer[used++] = byte;
         if (used == sizeof buffer) {
-          if (std::fwrite(buffer, used, 1, output_.get()) != 1) return false;
+          if (!fe::compress::WriteAll(output_.get(), buffer, used)) return false;
           used = 0;
         }
       }
     }
-    return used == 0 || std::fwrite(buffer, used, 1, output_.get()) == 1;
+    return fe::compress::WriteAll(output_.get(), buffer, used);
   }
 
   int Succeed() {
@@ -170,14 +210,18 @@ class Decoder {
   }
 
   int Fail() {
+    const uint32_t error = fe::LastError();
     input_.Close();
     output_.Close();
-    std::remove(output_name_.c_str());
+    platform::RemoveCreatedFile(output_name_.c_str(), created_);
+    fe::SetLastError(error);
     return 0;
   }
 
-  StdioFile input_;
-  StdioFile output_;
+  ScopedFile input_;
+  LineReader lines_;
+  ScopedFile output_;
+  platform::FileIdentity created_;
   std::string output_name_;
   char line_[kMaxLine];
 };
@@ -197,16 +241,28 @@ uint32_t ParseHex32(const char* text) {
 }
 
 int YencodeFile(const char* inputName, const char* outputName) {
-  StdioFile input(inputName, "rb");
-  if (input.get() == nullptr) return 0;
-  if (std::fseek(input.get(), 0, SEEK_END) != 0) return 0;
-  const auto size = static_cast<int32_t>(std::ftell(input.get()));
-  std::fseek(input.get(), 0, SEEK_SET);
-  StdioFile output(outputName, "wb");
-  if (output.get() == nullptr) return 0;
+  ScopedFile input(platform::OpenFile(inputName, platform::FileOpen::kRead));
+  if (!input.Valid()) return 0;
+  uint64_t fileSize = 0;
+  if (!platform::GetFileSize(input.get(), &fileSize)) return 0;
+  // The header cannot state a larger size: refuse rather than write a
+  // block that says less than it holds.
+  if (fileSize > kLargestFile) {
+    fe::SetLastError(kErrorFileTooLarge);
+    return 0;
+  }
+  const auto size = static_cast<long>(fileSize);
+  platform::FileIdentity created;
+  ScopedFile output(CreateOutput(input.get(), outputName, &created));
+  if (!output.Valid()) return 0;
+  BufferedReader reader(input.get());
+  BufferedWriter writer(output.get());
   auto fail = [&] {
+    const uint32_t error = fe::LastError();
+    writer.Discard();
     output.Close();
-    std::remove(outputName);
+    platform::RemoveCreatedFile(outputName, created);
+    fe::SetLastError(error);
     return 0;
   };
   // The base name, white space replaced: the header is one line of words.
@@ -215,16 +271,23 @@ int YencodeFile(const char* inputName, const char* outputName) {
   for (char& c : name) {
     if (fe::codecs::IsAsciiSpace(static_cast<uint8_t>(c))) c = '_';
   }
-  std::fprintf(output.get(), "=ybegin line=%ld size=%ld name=%s\r\n", kLineLength,
-               static_cast<long>(size), name.c_str());
+  char text[kMaxName + 96];
+  int length = std::snprintf(text, sizeof text, "=ybegin line=%ld size=%ld name=%s\r\n",
+                             kLineLength, size, name.c_str());
+  writer.Write(text, static_cast<uint32_t>(length));
   uint32_t crc = 0xFFFFFFFF;
   char line[kLineLength + 4];
   size_t used = 0;
   uint8_t chunk[kReadChunk];
+  fe::SetLastError(0);
   for (long remaining = size; remaining > 0;) {
-    const size_t n = static_cast<size_t>(std::min<long>(remaining, kReadChunk));
-    if (std::fread(chunk, n, 1, input.get()) != 1) return fail();
-    for (size_t i = 0; i < n; ++i) {
+    const auto n = static_cast<uint32_t>(std::min<long>(remaining, kReadChunk));
+    if (reader.Read(chunk, n) != n) {
+      // A read that failed keeps its code; a file that shrank is bad data.
+      if (fe::LastError() == 0) fe::SetLastError(fe::kErrorInvalidData);
+      return fail();
+    }
+    for (uint32_t i = 0; i < n; ++i) {
       crc = UpdateCrc(crc, chunk[i]);
       const auto c = static_cast<uint8_t>(chunk[i] + 42);
       if (IsCritical(c)) {
@@ -237,7 +300,7 @@ int YencodeFile(const char* inputName, const char* outputName) {
       if (used >= kLineLength || last) {
         line[used++] = '\r';
         line[used++] = '\n';
-        if (std::fwrite(line, used, 1, output.get()) != 1) return fail();
+        writer.Write(line, static_cast<uint32_t>(used));
         used = 0;
       }
     }
@@ -245,9 +308,11 @@ int YencodeFile(const char* inputName, const char* outputName) {
   }
   // The space before the line end is part of the format files were always
   // written in.
-  std::fprintf(output.get(), "=yend size=%ld crc32=%08lx \r\n", static_cast<long>(size),
-               static_cast<unsigned long>(size < 1 ? 0 : ~crc));
-  return 1;
+  length = std::snprintf(text, sizeof text, "=yend size=%ld crc32=%08lx \r\n", size,
+                         static_cast<unsigned long>(size < 1 ? 0 : ~crc));
+  writer.Write(text, static_cast<uint32_t>(length));
+  writer.Flush();
+  return writer.Failed() ? fail() : 1;
 }
 
 int YdecodeFile(const char* inputName, const char* outputName) {

@@ -76,13 +76,54 @@ void CloseCipherKey(CipherKey* key);
 using FileHandle = intptr_t;
 inline constexpr FileHandle kInvalidFile = -1;
 
+// Opens follow Windows' sharing rules on every platform: a read open shares
+// reading only, a create shares nothing, and an open that conflicts with
+// another one of the same file (by any name, in any thread or process using
+// the engine) fails with 32 (ERROR_SHARING_VIOLATION) before it changes
+// anything. A directory cannot be opened as a file (5).
 enum class FileOpen {
-  kRead,    // read, shared for reading, existing file only, sequential scan
-  kCreate,  // read and write, unshared, always created anew, sequential scan
+  kRead,       // read, shared for reading, existing file only, sequential scan
+  kCreate,     // read and write, unshared, always created anew, sequential scan
+  kCreateNew,  // as kCreate, but fails with 80 (ERROR_FILE_EXISTS) when the name exists
 };
 
 // A null path fails like an empty one.
 FileHandle OpenFile(const char* path, FileOpen mode);
+
+// What identifies a file and tells whether it changed: the volume and file
+// index (Linux: device and inode), its size, last write time and
+// permission bits.
+struct FileIdentity {
+  uint64_t volume = 0;
+  uint64_t index = 0;
+  uint64_t size = 0;
+  int64_t modified = 0;
+  uint32_t permissions = 0;
+  bool regular = false;
+
+  bool SameFile(const FileIdentity& other) const {
+    return volume == other.volume && index == other.index;
+  }
+  bool Unchanged(const FileIdentity& other) const {
+    return SameFile(other) && size == other.size && modified == other.modified;
+  }
+};
+bool IdentifyFile(FileHandle file, FileIdentity* identity);
+// The identity of what a path names now (following links); false with the
+// reason as last error.
+bool IdentifyPath(const char* path, FileIdentity* identity);
+
+// Removes a file this call created or truncated, identified when it was
+// opened: only while the name still stands for that regular file. Written
+// through a link, the file is emptied instead, so no partial data stays.
+// Anything else (a device, another file put there since) is left alone.
+void RemoveCreatedFile(const char* path, const FileIdentity& created);
+
+// Moves `from` over `to` atomically: only while `to` is still the file
+// `expected` describes (else 32), never over a read-only file (5), keeping
+// the permission bits of `to`. Across volumes `from` is first copied to a
+// new temporary file beside `to`, so `to` is never truncated or lost.
+bool ReplaceFile(const char* from, const char* to, const FileIdentity& expected);
 // ReadFile / WriteFile: false with the reason as last error.
 bool ReadFile(FileHandle file, void* buffer, uint32_t size, uint32_t* read);
 bool WriteFile(FileHandle file, const void* buffer, uint32_t size, uint32_t* written);
@@ -97,8 +138,6 @@ inline constexpr uint32_t kAttributeDevice = 0x40;
 uint32_t FileAttributes(const char* path);
 
 bool RemoveFile(const char* path);
-// MoveFileExW with replace-existing and copy-allowed.
-bool MoveFileReplacing(const char* from, const char* to);
 
 // The ANSI path calls of the path helpers (GetCurrentDirectoryA,
 // GetFullPathNameA, GetDriveTypeA, GetWindowsDirectoryA,

@@ -1,13 +1,17 @@
 // Stand-ins for the Win32 file calls: POSIX descriptors, errno mapped to the
 // Win32 numbers. A directory, or a character, block, FIFO or socket device,
-// reports the Windows directory and device attribute bits.
+// reports the Windows directory and device attribute bits; share modes are
+// open file description locks; MoveFileEx's replace is a rename, across
+// file systems through a flushed copy beside the target.
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <string>
 
 #include "platform/platform.h"
 #include "platform/posix/system_errors.h"
@@ -21,58 +25,128 @@ bool Fail() {
   return false;
 }
 
-// Copies `from` to `to` and flushes it to disk, for moves across file
-// systems; the source is removed only once the copy is complete.
-bool CopyThenRemove(const char* from, const char* to) {
-  const int in = ::open(from, O_RDONLY | O_CLOEXEC);
-  if (in < 0) return Fail();
-  const int out = ::open(to, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
-  if (out < 0) {
-    const int saved = errno;
-    ::close(in);
-    errno = saved;
-    return Fail();
+// Windows' share modes between the engine's own opens: a read open holds a
+// shared lock, a create an exclusive one, on the open file description, so
+// that conflicting opens of the same inode by any name, from any thread or
+// process that uses the engine, fail as they would on Windows.
+bool LockLikeShareMode(int fd, FileOpen mode) {
+  struct flock lock = {};
+  lock.l_type = mode == FileOpen::kRead ? F_RDLCK : F_WRLCK;
+  lock.l_whence = SEEK_SET;
+  if (::fcntl(fd, F_OFD_SETLK, &lock) == 0) return true;
+  if (errno == EAGAIN || errno == EACCES) {
+    SetLastErrorCode(32);  // ERROR_SHARING_VIOLATION
+  } else {
+    SetLastErrorFromErrno();
   }
+  return false;
+}
+
+FileIdentity IdentityOf(const struct stat& info) {
+  FileIdentity identity;
+  identity.volume = static_cast<uint64_t>(info.st_dev);
+  identity.index = static_cast<uint64_t>(info.st_ino);
+  identity.size = static_cast<uint64_t>(info.st_size);
+  identity.modified = int64_t{info.st_mtim.tv_sec} * 1000000000 + info.st_mtim.tv_nsec;
+  identity.permissions = static_cast<uint32_t>(info.st_mode & 07777);
+  identity.regular = S_ISREG(info.st_mode);
+  return identity;
+}
+
+std::string FolderOf(const char* path) {
+  const char* slash = std::strrchr(path, '/');
+  if (slash == nullptr) return ".";
+  if (slash == path) return "/";
+  return std::string(path, static_cast<size_t>(slash - path));
+}
+
+// A new file of a name nobody has, in `folder`.
+int CreateUniqueIn(const std::string& folder, std::string* name) {
+  static std::atomic<uint32_t> counter{0};
+  for (int attempt = 0; attempt < 1000; ++attempt) {
+    char leaf[64];
+    std::snprintf(leaf, sizeof leaf, "/~r%x-%x.tmp", static_cast<unsigned>(::getpid()),
+                  static_cast<unsigned>(counter.fetch_add(1)));
+    *name = folder + leaf;
+    const int fd = ::open(name->c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+    if (fd >= 0 || errno != EEXIST) return fd;
+  }
+  return -1;
+}
+
+bool CopyContents(int in, int out) {
   char buffer[65536];
-  bool ok = true;
-  for (ssize_t n; ok && (n = ::read(in, buffer, sizeof buffer)) != 0;) {
+  for (ssize_t n; (n = ::read(in, buffer, sizeof buffer)) != 0;) {
     if (n < 0) {
-      ok = errno == EINTR;
-      continue;
+      if (errno == EINTR) continue;
+      return false;
     }
-    for (ssize_t done = 0; ok && done < n;) {
+    for (ssize_t done = 0; done < n;) {
       const ssize_t w = ::write(out, buffer + done, static_cast<size_t>(n - done));
-      if (w < 0 && errno != EINTR) ok = false;
+      if (w < 0 && errno != EINTR) return false;
       if (w > 0) done += w;
     }
   }
-  if (ok) ok = ::fsync(out) == 0;
-  const int saved = errno;
-  ::close(in);
-  ::close(out);
-  errno = saved;
-  if (!ok) {
-    ::unlink(to);
-    return Fail();
+  return ::fsync(out) == 0;
+}
+
+// Across file systems: a complete, flushed copy beside `to` takes its place
+// by a rename; only then is `from` removed. `to` is never truncated.
+bool CopyBesideThenRename(const char* from, const char* to, uint32_t permissions) {
+  const int in = ::open(from, O_RDONLY | O_CLOEXEC);
+  if (in < 0) return Fail();
+  std::string copy;
+  const int out = CreateUniqueIn(FolderOf(to), &copy);
+  if (out < 0) {
+    SetLastErrorFromErrno();
+    ::close(in);
+    return false;
   }
-  return ::unlink(from) == 0 || Fail();
+  bool ok = ::fchmod(out, permissions) == 0 && CopyContents(in, out);
+  ok = ::close(out) == 0 && ok;
+  ok = ok && ::rename(copy.c_str(), to) == 0;
+  if (!ok) SetLastErrorFromErrno();
+  ::close(in);
+  if (!ok) {
+    ::unlink(copy.c_str());
+    return false;
+  }
+  ::unlink(from);
+  return true;
 }
 
 }  // namespace
 
 FileHandle OpenFile(const char* path, FileOpen mode) {
   if (path == nullptr) path = "";
-  const int flags = mode == FileOpen::kRead ? O_RDONLY : (O_RDWR | O_CREAT | O_TRUNC);
+  int flags = O_RDONLY;
+  if (mode == FileOpen::kCreate) flags = O_RDWR | O_CREAT;
+  if (mode == FileOpen::kCreateNew) flags = O_RDWR | O_CREAT | O_EXCL;
   const int fd = ::open(path, flags | O_CLOEXEC, 0666);
   if (fd < 0) {
     SetLastErrorFromErrno();
     return kInvalidFile;
   }
   struct stat info;
-  if (::fstat(fd, &info) == 0 && S_ISDIR(info.st_mode)) {
+  if (::fstat(fd, &info) != 0) {
+    SetLastErrorFromErrno();
+    ::close(fd);
+    return kInvalidFile;
+  }
+  if (S_ISDIR(info.st_mode)) {
     ::close(fd);
     SetLastErrorCode(5);  // Windows will not open a directory as a file
     return kInvalidFile;
+  }
+  // Devices have no share modes. A regular file is locked before it is
+  // truncated, so a conflicting open never destroys anybody's data.
+  if (S_ISREG(info.st_mode)) {
+    bool ok = LockLikeShareMode(fd, mode);
+    if (ok && mode != FileOpen::kRead && ::ftruncate(fd, 0) != 0) ok = Fail();
+    if (!ok) {
+      ::close(fd);
+      return kInvalidFile;
+    }
   }
   if (mode == FileOpen::kRead) ::posix_fadvise(fd, 0, 0, POSIX_FADV_SEQUENTIAL);
   return fd;
@@ -135,14 +209,62 @@ uint32_t FileAttributes(const char* path) {
   return attributes != 0 ? attributes : 0x80;        // normal
 }
 
+bool IdentifyFile(FileHandle file, FileIdentity* identity) {
+  struct stat info;
+  if (::fstat(static_cast<int>(file), &info) != 0) return Fail();
+  *identity = IdentityOf(info);
+  return true;
+}
+
+bool IdentifyPath(const char* path, FileIdentity* identity) {
+  struct stat info;
+  if (::stat(path, &info) != 0) return Fail();
+  *identity = IdentityOf(info);
+  return true;
+}
+
 bool RemoveFile(const char* path) {
   return ::unlink(path) == 0 || Fail();
 }
 
-bool MoveFileReplacing(const char* from, const char* to) {
+void RemoveCreatedFile(const char* path, const FileIdentity& created) {
+  struct stat info;
+  if (!created.regular || ::lstat(path, &info) != 0) return;
+  if (S_ISREG(info.st_mode) && IdentityOf(info).SameFile(created)) {
+    ::unlink(path);
+    return;
+  }
+  // Written through a link: empty the file it leads to, keep both.
+  if (!S_ISLNK(info.st_mode)) return;
+  const int fd = ::open(path, O_WRONLY | O_CLOEXEC);
+  if (fd < 0) return;
+  FileIdentity opened;
+  if (IdentifyFile(fd, &opened) && opened.SameFile(created)) {
+    [[maybe_unused]] const int ignored = ::ftruncate(fd, 0);
+  }
+  ::close(fd);
+}
+
+bool ReplaceFile(const char* from, const char* to, const FileIdentity& expected) {
+  FileIdentity current;
+  if (!IdentifyPath(to, &current)) return false;
+  // Another program changed or replaced the file meanwhile: its data wins.
+  if (!current.Unchanged(expected)) {
+    SetLastErrorCode(32);
+    return false;
+  }
+  // Read-only as Windows sees it: the owner may not write.
+  if ((current.permissions & S_IWUSR) == 0) {
+    SetLastErrorCode(5);
+    return false;
+  }
+  struct stat owner;
+  if (::stat(to, &owner) != 0 || ::chmod(from, current.permissions) != 0) return Fail();
+  // The owner too, where the caller may set it.
+  [[maybe_unused]] const int ignored = ::chown(from, owner.st_uid, owner.st_gid);
   if (::rename(from, to) == 0) return true;
   if (errno != EXDEV) return Fail();
-  return CopyThenRemove(from, to);
+  return CopyBesideThenRename(from, to, current.permissions);
 }
 
 }  // namespace fe::platform

@@ -30,9 +30,34 @@ FileHandle OpenFile(const char* path, FileOpen mode) {
           ? ::CreateFileW(Wide(path).c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
                           FILE_FLAG_SEQUENTIAL_SCAN, nullptr)
           : ::CreateFileW(Wide(path).c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr,
-                          CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL | FILE_FLAG_SEQUENTIAL_SCAN,
-                          nullptr);
+                          mode == FileOpen::kCreateNew ? CREATE_NEW : CREATE_ALWAYS,
+                          FILE_ATTRIBUTE_NORMAL | FILE_FLAG_SEQUENTIAL_SCAN, nullptr);
   return file == INVALID_HANDLE_VALUE ? kInvalidFile : reinterpret_cast<FileHandle>(file);
+}
+
+bool IdentifyFile(FileHandle file, FileIdentity* identity) {
+  BY_HANDLE_FILE_INFORMATION info;
+  if (!::GetFileInformationByHandle(Native(file), &info)) return false;
+  identity->volume = info.dwVolumeSerialNumber;
+  identity->index = (uint64_t{info.nFileIndexHigh} << 32) | info.nFileIndexLow;
+  identity->size = (uint64_t{info.nFileSizeHigh} << 32) | info.nFileSizeLow;
+  identity->modified = static_cast<int64_t>((uint64_t{info.ftLastWriteTime.dwHighDateTime} << 32) |
+                                            info.ftLastWriteTime.dwLowDateTime);
+  identity->permissions = info.dwFileAttributes;
+  identity->regular =
+      (info.dwFileAttributes & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_DEVICE)) == 0;
+  return true;
+}
+
+bool IdentifyPath(const char* path, FileIdentity* identity) {
+  // Attributes only, sharing everything: looking never disturbs anybody.
+  const HANDLE file = ::CreateFileW(Wide(path).c_str(), FILE_READ_ATTRIBUTES,
+                                    FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                                    OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+  if (file == INVALID_HANDLE_VALUE) return false;
+  const bool ok = IdentifyFile(reinterpret_cast<FileHandle>(file), identity);
+  ::CloseHandle(file);
+  return ok;
 }
 
 bool ReadFile(FileHandle file, void* buffer, uint32_t size, uint32_t* read) {
@@ -74,9 +99,39 @@ bool RemoveFile(const char* path) {
   return ::DeleteFileW(Wide(path).c_str()) != FALSE;
 }
 
-bool MoveFileReplacing(const char* from, const char* to) {
-  return ::MoveFileExW(Wide(from).c_str(), Wide(to).c_str(),
-                       MOVEFILE_REPLACE_EXISTING | MOVEFILE_COPY_ALLOWED) != FALSE;
+void RemoveCreatedFile(const char* path, const FileIdentity& created) {
+  FileIdentity current;
+  if (created.regular && IdentifyPath(path, &current) && current.SameFile(created)) {
+    ::DeleteFileW(Wide(path).c_str());
+  }
+}
+
+bool ReplaceFile(const char* from, const char* to, const FileIdentity& expected) {
+  FileIdentity current;
+  if (!IdentifyPath(to, &current)) return false;
+  // Another program changed or replaced the file meanwhile: its data wins.
+  if (!current.Unchanged(expected)) {
+    ::SetLastError(ERROR_SHARING_VIOLATION);
+    return false;
+  }
+  const std::wstring target = Wide(to);
+  if (::MoveFileExW(Wide(from).c_str(), target.c_str(), MOVEFILE_REPLACE_EXISTING)) return true;
+  if (::GetLastError() != ERROR_NOT_SAME_DEVICE) return false;
+  // Across volumes: a complete copy beside the target takes its place by a
+  // rename, so a failed copy never touches the target.
+  std::wstring folder = target.substr(0, target.find_last_of(L"\\/") + 1);
+  if (folder.empty()) folder = L".";
+  wchar_t copy[MAX_PATH];
+  if (!::GetTempFileNameW(folder.c_str(), L"~r", 0, copy)) return false;
+  if (!::CopyFileW(Wide(from).c_str(), copy, FALSE) ||
+      !::MoveFileExW(copy, target.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH)) {
+    const DWORD error = ::GetLastError();
+    ::DeleteFileW(copy);
+    ::SetLastError(error);
+    return false;
+  }
+  ::DeleteFileW(Wide(from).c_str());
+  return true;
 }
 
 uint32_t CurrentDirectory(char* buffer, uint32_t size) {
