@@ -3,6 +3,7 @@
 #   make demo        the control, registered under Wine, driven from examples/demo.vbs
 #   make bench       throughput of the codecs and file operations (not part of make test)
 #   make fuzz-smoke  each fuzz target for 30 s
+#   make fuzz-long   each fuzz target for 10 minutes (before changes to a decoder land)
 BUILD ?= build
 JOBS ?= 2
 FUZZ_SECONDS ?= 30
@@ -11,7 +12,7 @@ WINE_RUN := $(ROOT)/scripts/wine-run.sh
 # The build uses Debian's Python, whose modules the bootstrap installs.
 CMAKE := cmake -G Ninja -Wno-dev -DPython3_EXECUTABLE=/usr/bin/python3
 
-.PHONY: test demo demo-engine bench fuzz-smoke bootstrap native asan win64 win32 fuzz clean
+.PHONY: test demo demo-engine bench fuzz-smoke fuzz-long bootstrap native asan win64 win32 fuzz clean
 
 test: native asan win64 win32 fuzz
 	@scripts/run-suites.sh $(BUILD) 3
@@ -31,6 +32,9 @@ bench: bootstrap
 
 fuzz-smoke: fuzz
 	@scripts/run-suites.sh $(BUILD) $(FUZZ_SECONDS) fuzz
+
+fuzz-long: fuzz
+	@scripts/run-suites.sh $(BUILD) 600 fuzz
 
 bootstrap:
 	@if [ "$$(id -u)" = 0 ]; then scripts/bootstrap.sh; \

@@ -39,16 +39,29 @@ run_gtest_suite() {
   lines+=("$(printf '%-22s %5d passed %3d failed %3d skipped   (%s)' "$name" "$p" "$f" "$s" "$log")")
 }
 
-# Each fuzz target for a few seconds: passes when it finds nothing.
+# Each fuzz target replays every input that ever made it fail
+# (tests/fuzz/regressions/<target>/), then runs for a while from its seed
+# corpus (tests/fuzz/corpus/<target>/, copied so that the run's finds stay in
+# the build tree): passes when it finds nothing.
+fuzz_dir=$(cd "$(dirname "$0")/../tests/fuzz" && pwd)
 run_fuzz_targets() {
-  local target name log
+  local target name log corpus regressions
   for target in "$build"/fuzz/tests/fuzz/*_fuzz; do
     name=$(basename "$target")
     log=$logs/$name.log
-    if (cd "$logs" && "$target" -max_total_time="$fuzz_seconds" -print_final_stats=1 \
-         -malloc_limit_mb=8192) >"$log" 2>&1; then
+    corpus=$build/fuzz/corpus/$name
+    rm -rf "$corpus" && mkdir -p "$corpus"
+    if [ -d "$fuzz_dir/corpus/$name" ]; then cp "$fuzz_dir/corpus/$name"/* "$corpus"/; fi
+    regressions=()
+    if [ -d "$fuzz_dir/regressions/$name" ]; then
+      regressions=("$fuzz_dir/regressions/$name"/*)
+    fi
+    if (cd "$logs" && { [ ${#regressions[@]} -eq 0 ] || "$target" "${regressions[@]}"; } &&
+        "$target" -max_total_time="$fuzz_seconds" -print_final_stats=1 \
+         -malloc_limit_mb=8192 "$corpus") >"$log" 2>&1; then
       passed=$((passed + 1))
-      lines+=("$(printf '%-22s    ok  %s' "$name" "$(grep -oE 'Done [0-9]+ runs' "$log")")")
+      lines+=("$(printf '%-22s    ok  %d regressions replayed; %s' "$name" "${#regressions[@]}" \
+                 "$(grep -oE 'Done [0-9]+ runs' "$log")")")
     else
       failed=$((failed + 1))
       lines+=("$(printf '%-22s FAILED (%s)' "$name" "$log")")

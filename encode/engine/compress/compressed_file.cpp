@@ -76,7 +76,7 @@ void Output::Discard() const {
 
 bool Output::Commit(const platform::FileIdentity& source) const {
   if (!in_place_) return true;
-  if (platform::ReplaceFile(path_.c_str(), source_.c_str(), source)) return true;
+  if (platform::ReplaceFileAtomically(path_.c_str(), source_.c_str(), source)) return true;
   Discard();
   return false;
 }

@@ -123,7 +123,7 @@ void RemoveCreatedFile(const char* path, const FileIdentity& created);
 // `expected` describes (else 32), never over a read-only file (5), keeping
 // the permission bits of `to`. Across volumes `from` is first copied to a
 // new temporary file beside `to`, so `to` is never truncated or lost.
-bool ReplaceFile(const char* from, const char* to, const FileIdentity& expected);
+bool ReplaceFileAtomically(const char* from, const char* to, const FileIdentity& expected);
 // ReadFile / WriteFile: false with the reason as last error.
 bool ReadFile(FileHandle file, void* buffer, uint32_t size, uint32_t* read);
 bool WriteFile(FileHandle file, const void* buffer, uint32_t size, uint32_t* written);

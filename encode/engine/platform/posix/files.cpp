@@ -245,7 +245,7 @@ void RemoveCreatedFile(const char* path, const FileIdentity& created) {
   ::close(fd);
 }
 
-bool ReplaceFile(const char* from, const char* to, const FileIdentity& expected) {
+bool ReplaceFileAtomically(const char* from, const char* to, const FileIdentity& expected) {
   FileIdentity current;
   if (!IdentifyPath(to, &current)) return false;
   // Another program changed or replaced the file meanwhile: its data wins.

@@ -106,7 +106,7 @@ void RemoveCreatedFile(const char* path, const FileIdentity& created) {
   }
 }
 
-bool ReplaceFile(const char* from, const char* to, const FileIdentity& expected) {
+bool ReplaceFileAtomically(const char* from, const char* to, const FileIdentity& expected) {
   FileIdentity current;
   if (!IdentifyPath(to, &current)) return false;
   // Another program changed or replaced the file meanwhile: its data wins.
