@@ -216,7 +216,6 @@ TEST_F(FileSafety, ReplacementAcrossFileSystemsGoesThroughACopyBesideTheTarget) 
       a.st_dev == b.st_dev) {
     GTEST_SKIP() << "no second file system to move across";
   }
-  TempFolder::Exists(shm);
   const std::string from = shm + "/fe_safety_" + std::to_string(::getpid());
   std::ofstream(from) << "moved";
   const std::string target = folder_.Write("x.txt", ToBytes("old"));

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "errors/last_error.h"
+#include "errors/system_errors.h"
 #include "file_encoder.h"
 #include "platform/platform.h"
 
@@ -16,7 +17,6 @@ using fe::platform::kSeparator;
 
 constexpr size_t kMaxPath = 260;
 constexpr int kTempNameAttempts = 256;
-constexpr uint32_t kErrorFileExists = 80;  // ERROR_FILE_EXISTS
 
 bool IsSeparator(char c) {
   return c == kSeparator || (fe::platform::kHasDrives && c == '/');
@@ -241,7 +241,7 @@ char* CreateTempFileName(const char* directory, const char* /*ignored*/, char* o
     // it is not an error here.
     const fe::platform::FileHandle file =
         fe::platform::OpenFile(candidate.c_str(), fe::platform::FileOpen::kCreateNew);
-    if (file == fe::platform::kInvalidFile && fe::LastError() == kErrorFileExists) continue;
+    if (file == fe::platform::kInvalidFile && fe::LastError() == fe::kErrorFileExists) continue;
     fe::platform::CloseFile(file);
     CopyPath(output, candidate);
     return output;

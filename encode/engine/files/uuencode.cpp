@@ -5,6 +5,7 @@
 #include <string>
 
 #include "errors/last_error.h"
+#include "errors/system_errors.h"
 #include "file_encoder.h"
 #include "files/file_codec.h"
 
@@ -75,8 +76,6 @@ class UuLines {
   size_t length_ = 0;
   bool at_end_ = false;
 };
-
-constexpr uint32_t kErrorInvalidName = 123;  // ERROR_INVALID_NAME
 
 // Not absolute, no drive, no ".." segment (with either separator).
 bool IsPlainRelativeName(const std::string& name) {
@@ -156,7 +155,7 @@ int UudecodeFile(const char* inputName, const char* outputName) {
   // A name from a stranger's file may only name a file in the current
   // folder or below it.
   if (!named && !IsPlainRelativeName(storedName)) {
-    fe::SetLastError(kErrorInvalidName);
+    fe::SetLastError(fe::kErrorInvalidName);
     return 0;
   }
   const char* target = named ? outputName : storedName.c_str();

@@ -45,8 +45,6 @@ bool IsCritical(uint8_t c) {
   return c == 0 || (c <= 61 && ((0x2000400000002600ull >> c) & 1));
 }
 
-constexpr uint32_t kErrorSharingViolation = 32;
-constexpr uint32_t kErrorFileTooLarge = 223;  // ERROR_FILE_TOO_LARGE
 // The header's size is a signed 32-bit number.
 constexpr uint64_t kLargestFile = 0x7FFFFFFF;
 
@@ -58,7 +56,7 @@ platform::FileHandle CreateOutput(platform::FileHandle input, const char* output
   platform::FileIdentity in, out;
   if (platform::IdentifyFile(input, &in) && platform::IdentifyPath(outputName, &out) &&
       in.SameFile(out)) {
-    fe::SetLastError(kErrorSharingViolation);
+    fe::SetLastError(fe::kErrorSharingViolation);
     return platform::kInvalidFile;
   }
   const platform::FileHandle file = platform::OpenFile(outputName, platform::FileOpen::kCreate);
@@ -248,7 +246,7 @@ int YencodeFile(const char* inputName, const char* outputName) {
   // The header cannot state a larger size: refuse rather than write a
   // block that says less than it holds.
   if (fileSize > kLargestFile) {
-    fe::SetLastError(kErrorFileTooLarge);
+    fe::SetLastError(fe::kErrorFileTooLarge);
     return 0;
   }
   const auto size = static_cast<long>(fileSize);
