@@ -57,9 +57,8 @@ platform::FileHandle Output::Create() {
   if (file == platform::kInvalidFile) {
     // The temporary name was reserved by this call: give it up.
     if (in_place_ && !path_.empty()) {
-      const uint32_t error = LastError();
+      const KeepLastError keep;
       platform::RemoveFile(path_.c_str());
-      SetLastError(error);
     }
     return file;
   }
@@ -68,10 +67,8 @@ platform::FileHandle Output::Create() {
 }
 
 void Output::Discard() const {
-  // The failure's code stays what the caller sees.
-  const uint32_t error = LastError();
+  const KeepLastError keep;
   if (created_) platform::RemoveCreatedFile(path_.c_str(), identity_);
-  SetLastError(error);
 }
 
 bool Output::Commit(const platform::FileIdentity& source) const {

@@ -21,6 +21,19 @@ inline uint32_t LastError() {
   return platform::GetLastErrorCode();
 }
 
+// Keeps the calling thread's code across clean-up work, so that what a
+// caller sees is the reason of the failure and not of the clean-up.
+class KeepLastError {
+ public:
+  KeepLastError() : code_(LastError()) {}
+  ~KeepLastError() { SetLastError(code_); }
+  KeepLastError(const KeepLastError&) = delete;
+  KeepLastError& operator=(const KeepLastError&) = delete;
+
+ private:
+  uint32_t code_;
+};
+
 // Records code and returns -1, the failure value of the counting operations.
 inline int32_t FailWith(uint32_t code) {
   SetLastError(code);

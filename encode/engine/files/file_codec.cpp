@@ -21,9 +21,8 @@ bool FilePair::Open(const char* inputName, const char* outputName) {
   if (!input.Valid()) return false;
   output.Reset(platform::OpenFile(outputName, platform::FileOpen::kCreate));
   if (!output.Valid()) {
-    const uint32_t error = LastError();
+    const KeepLastError keep;
     input.Close();
-    SetLastError(error);
     return false;
   }
   return true;

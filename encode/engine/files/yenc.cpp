@@ -65,15 +65,15 @@ platform::FileHandle CreateOutput(platform::FileHandle input, const char* output
 }
 
 // Lines of at most kMaxLine - 1 characters, each with its LF, as fgets
-// gives them.
+// gives them, read from the file in 64 KiB pieces.
 class LineReader {
  public:
-  explicit LineReader(platform::FileHandle file) : reader_(file) {}
+  explicit LineReader(platform::FileHandle file) : file_(file) {}
   bool Next(char* line) {
     int length = 0;
     while (length < kMaxLine - 1) {
       if (at_ == have_) {
-        have_ = reader_.Read(chunk_, sizeof chunk_);
+        have_ = ReadChunk(file_, chunk_, sizeof chunk_);
         at_ = 0;
         if (have_ == 0) break;
       }
@@ -86,8 +86,8 @@ class LineReader {
   }
 
  private:
-  BufferedReader reader_;
-  uint8_t chunk_[kReadChunk];
+  platform::FileHandle file_;
+  uint8_t chunk_[65536];
   uint32_t at_ = 0;
   uint32_t have_ = 0;
 };
@@ -208,11 +208,10 @@ class Decoder {
   }
 
   int Fail() {
-    const uint32_t error = fe::LastError();
+    const fe::KeepLastError keep;
     input_.Close();
     output_.Close();
     platform::RemoveCreatedFile(output_name_.c_str(), created_);
-    fe::SetLastError(error);
     return 0;
   }
 
@@ -256,11 +255,10 @@ int YencodeFile(const char* inputName, const char* outputName) {
   BufferedReader reader(input.get());
   BufferedWriter writer(output.get());
   auto fail = [&] {
-    const uint32_t error = fe::LastError();
+    const fe::KeepLastError keep;
     writer.Discard();
     output.Close();
     platform::RemoveCreatedFile(outputName, created);
-    fe::SetLastError(error);
     return 0;
   };
   // The base name, white space replaced: the header is one line of words.
