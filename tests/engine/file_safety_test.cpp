@@ -16,8 +16,12 @@
 #include <vector>
 
 #include "platform/platform.h"
+#include "scoped_variable.h"
 #include "temp_folder.h"
 #include "test_support.h"
+#ifndef _WIN32
+#include "small_mount.h"
+#endif
 
 namespace fe::test {
 namespace {
@@ -98,8 +102,8 @@ TEST_F(FileSafety, BitSixteenCodingFromEightThreads) {
         const std::string mid = folder_.Path("mid" + std::to_string(t));
         const std::string out = folder_.Path("out" + std::to_string(t));
         fs::remove(out);
-        if (EncodeFileByType(in.c_str(), mid.c_str(), fileEncodeUucode | fileEncodeCompressed) &&
-            DecodeFileByType(mid.c_str(), out.c_str(), fileDecodeUucode | fileDecodeCompressed)) {
+        if (EncodeFileByType(in.c_str(), mid.c_str(), static_cast<uint32_t>(fileEncodeUucode) | fileEncodeCompressed) &&
+            DecodeFileByType(mid.c_str(), out.c_str(), static_cast<uint32_t>(fileDecodeUucode) | fileDecodeCompressed)) {
           ++done;
           if (TempFolder::Read(out) != data) ++wrong;
         }
@@ -300,6 +304,128 @@ TEST_F(FileSafety, YencRefusesFilesOfTwoGibibytesOrMore) {
   EXPECT_FALSE(YencodeFile(big.c_str(), out.c_str()));
   EXPECT_EQ(EngineGetLastError(), 223u);
   EXPECT_FALSE(TempFolder::Exists(out));
+}
+
+#define REQUIRE_MOUNT(mount) \
+  if (!(mount).Mounted()) GTEST_SKIP() << "cannot mount a small tmpfs here: " << (mount).WhyNot()
+
+TEST_F(FileSafety, BitSixteenWithAFullTemporaryFolderReportsDiskFull) {
+  SmallMount temporary(256);
+  REQUIRE_MOUNT(temporary);
+  temporary.Fill();
+  const ScopedVariable tmp("TMP", temporary.Folder().c_str());
+  const Bytes data = RandomBytes(100000, 11);
+  const std::string in = folder_.Write("in.bin", data);
+  const std::string out = folder_.Path("out.uu");
+  EngineSetLastError(0);
+  EXPECT_FALSE(EncodeFileByType(in.c_str(), out.c_str(), static_cast<uint32_t>(fileEncodeUucode) | fileEncodeCompressed));
+  EXPECT_EQ(EngineGetLastError(), 112u);
+  EXPECT_FALSE(TempFolder::Exists(out));
+  EXPECT_EQ(TempFolder::Read(in), data);
+}
+
+TEST_F(FileSafety, InPlaceOnALongPathWithAFullDestinationKeepsTheSource) {
+  SmallMount destination(512);
+  REQUIRE_MOUNT(destination);
+  std::string deep = destination.Folder();
+  while (deep.size() < 300)
+    deep += "/" + std::string(40, 'd');
+  fs::create_directories(deep);
+  const Bytes data = RandomBytes(100000, 12);
+  const std::string path = deep + "/long.bin";
+  std::ofstream(path, std::ios::binary)
+      .write(reinterpret_cast<const char*>(data.data()), static_cast<std::streamsize>(data.size()));
+  destination.Fill();
+  // The result is made in the temporary folder, on another file system; the
+  // copy beside the source cannot be written.
+  EngineSetLastError(0);
+  EXPECT_FALSE(CompressFileByType(path.c_str(), nullptr, 1, 0));
+  EXPECT_EQ(EngineGetLastError(), 112u);
+  EXPECT_EQ(TempFolder::Read(path), data);
+  size_t entries = 0;
+  for (const auto& entry : fs::directory_iterator(deep)) {
+    (void)entry;
+    ++entries;
+  }
+  EXPECT_EQ(entries, 1u);
+}
+
+TEST_F(FileSafety, ReadOnlySourceFolderReportsAccessDenied) {
+  SmallMount folder(256);
+  REQUIRE_MOUNT(folder);
+  const Bytes data = RandomBytes(4000, 13);
+  const std::string path = folder.Path("r.txt");
+  std::ofstream(path, std::ios::binary)
+      .write(reinterpret_cast<const char*>(data.data()), static_cast<std::streamsize>(data.size()));
+  if (!folder.MakeReadOnly()) GTEST_SKIP() << "cannot remount read-only here";
+  for (uint32_t type : {1u, 2u, 3u}) {
+    EngineSetLastError(0);
+    EXPECT_FALSE(CompressFileByType(path.c_str(), nullptr, type, 0)) << type;
+    EXPECT_EQ(EngineGetLastError(), 5u) << type;
+  }
+  EngineSetLastError(0);
+  EXPECT_FALSE(EncodeFileByType(folder_.Write("in", data).c_str(), folder.Path("out").c_str(),
+                                fileEncodeBase32));
+  EXPECT_EQ(EngineGetLastError(), 5u);
+  EXPECT_EQ(TempFolder::Read(path), data);
+}
+
+// Another program changes the source while it is being compressed in place:
+// renames its own file over it, or appends to it. Its data must win.
+class ChangedDuringTheCall : public FileSafety {
+ protected:
+  // Runs `change` as soon as the call has reserved its temporary file.
+  template <typename Change>
+  bool CompressWhileChanging(const std::string& source, uint32_t type, Change change) {
+    std::atomic<bool> stop{false};
+    std::thread watcher([&] {
+      while (!stop) {
+        std::error_code ignored;
+        for (const auto& entry : fs::directory_iterator(folder_.Folder(), ignored)) {
+          if (entry.path().filename().string().rfind("~r", 0) == 0) {
+            change();
+            return;
+          }
+        }
+        std::this_thread::yield();
+      }
+    });
+    const bool result = CompressFileByType(source.c_str(), nullptr, type, 9);
+    stop = true;
+    watcher.join();
+    return result;
+  }
+
+  static Bytes Slow(size_t size) {
+    Bytes data = RandomBytes(size, 14);
+    for (size_t i = 0; i < size; i += 3)
+      data[i] = 'a';
+    return data;
+  }
+};
+
+TEST_F(ChangedDuringTheCall, RenameOverTheSourceKeepsTheirFile) {
+  const std::string source = folder_.Write("s.bin", Slow(8 << 20));
+  const std::string theirs = folder_.Write("theirs", ToBytes("their data"));
+  EngineSetLastError(0);
+  EXPECT_FALSE(CompressWhileChanging(source, 2, [&] { fs::rename(theirs, source); }));
+  EXPECT_EQ(EngineGetLastError(), 32u);
+  EXPECT_EQ(ToString(TempFolder::Read(source)), "their data");
+  EXPECT_EQ(folder_.Count(), 1u);
+}
+
+TEST_F(ChangedDuringTheCall, AppendingDuringLzmaCompressionKeepsTheAppendedFile) {
+  const Bytes data = Slow(1 << 20);
+  const std::string source = folder_.Write("s.bin", data);
+  EngineSetLastError(0);
+  EXPECT_FALSE(CompressWhileChanging(
+      source, 3, [&] { std::ofstream(source, std::ios::binary | std::ios::app) << "tail"; }));
+  EXPECT_EQ(EngineGetLastError(), 32u);
+  Bytes expected = data;
+  for (char c : std::string("tail"))
+    expected.push_back(static_cast<uint8_t>(c));
+  EXPECT_EQ(TempFolder::Read(source), expected);
+  EXPECT_EQ(folder_.Count(), 1u);
 }
 
 #endif  // !_WIN32

@@ -11,6 +11,7 @@
 #include <string>
 
 #include "platform/platform.h"
+#include "scoped_variable.h"
 #include "test_support.h"
 
 namespace fe::test {
@@ -145,34 +146,6 @@ TEST(GetCurrentDrive, FollowsTheCurrentDirectory) {
   char out[260];
   EXPECT_EQ(GetDriveDirectory(27, out), 0u);
 }
-
-// Sets an environment variable for the length of a test.
-class ScopedVariable {
- public:
-  ScopedVariable(const char* name, const char* value) : name_(name) {
-    const char* old = std::getenv(name);
-    had_ = old != nullptr;
-    if (had_) old_ = old;
-    Set(value);
-  }
-  ~ScopedVariable() { Set(had_ ? old_.c_str() : nullptr); }
-
- private:
-  void Set(const char* value) {
-#ifdef _WIN32
-    SetEnvironmentVariableA(name_, value);
-#else
-    if (value) {
-      setenv(name_, value, 1);
-    } else {
-      unsetenv(name_);
-    }
-#endif
-  }
-  const char* name_;
-  bool had_ = false;
-  std::string old_;
-};
 
 std::string WindowsDirectory() {
   char windows[260];

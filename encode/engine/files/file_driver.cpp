@@ -58,6 +58,12 @@ bool MakeTempFile(std::string& name) {
   return true;
 }
 
+// Removing the temporary file must not replace the code of a failure.
+void RemoveTempFile(const std::string& name) {
+  const fe::KeepLastError keep;
+  fe::platform::RemoveFile(name.c_str());
+}
+
 }  // namespace
 
 extern "C" {
@@ -68,14 +74,14 @@ int EncodeFileByType(const char* inputName, const char* outputName, uint32_t fla
   if (flags & kCompressed) {
     if (!MakeTempFile(compressed)) return 0;
     if (!CompressFileByType(inputName, compressed.c_str(), kDeflate, 0)) {
-      fe::platform::RemoveFile(compressed.c_str());
+      RemoveTempFile(compressed);
       return 0;
     }
     input = compressed.c_str();
   }
   const FileCodec codec = CodecFor(flags & kEncodingMask, true);
   const int result = codec != nullptr ? codec(input, outputName) : 0;
-  if (!compressed.empty()) fe::platform::RemoveFile(compressed.c_str());
+  if (!compressed.empty()) RemoveTempFile(compressed);
   return result;
 }
 
@@ -93,7 +99,7 @@ int DecodeFileByType(const char* inputName, const char* outputName, uint32_t fla
   const int result = codec(inputName, destination);
   if (!result || decoded.empty()) return result;
   const int expanded = ExpandFileByType(decoded.c_str(), outputName, kDeflate);
-  fe::platform::RemoveFile(decoded.c_str());
+  RemoveTempFile(decoded);
   return expanded;
 }
 
