@@ -1,7 +1,7 @@
 #!/usr/bin/python3
-"""Writes the seed corpora of the file fuzz targets under tests/fuzz/corpus/,
+"""Writes the seed corpora of every fuzz target under tests/fuzz/corpus/,
 made with Python's own codecs so that short runs start from structure.
-Each seed is the target's selector bytes followed by a valid file."""
+Each seed is the target's choice bytes followed by a valid text or file."""
 import base64
 import binascii
 import bz2
@@ -9,6 +9,8 @@ import lzma
 import os
 import quopri
 import random
+import struct
+import urllib.parse
 import zlib
 
 HERE = os.path.dirname(os.path.abspath(__file__))
@@ -59,6 +61,66 @@ def uu(data):
     return bytes(out + b"`\r\nend\r\n")
 
 
+B58 = b"123456789ABCDEFGHJKLMNPQRSTUVWXYZabcdefghijkmnopqrstuvwxyz"
+Z85 = (b"0123456789abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ"
+       b".-:+=^!/*?&<>()[]{}@%$#")
+
+
+def base58(data):
+    number = int.from_bytes(data, "big")
+    out = bytearray()
+    while number:
+        number, digit = divmod(number, 58)
+        out.append(B58[digit])
+    zeros = len(data) - len(data.lstrip(b"\0"))
+    return bytes(B58[0:1] * zeros + out[::-1])
+
+
+def z85(data):
+    data = data[:len(data) - len(data) % 4]
+    out = bytearray()
+    for (word,) in struct.iter_unpack(">I", data):
+        out += bytes(Z85[word // 85 ** k % 85] for k in range(4, -1, -1))
+    return bytes(out)
+
+
+def data_texts(data):
+    """Encoding number and text of each data encoding, as a decoder meets it."""
+    return [(1, base64.b64encode(data)), (1, base64.encodebytes(data).replace(b"\n", b"\r\n")),
+            (2, quopri.encodestring(data)), (3, urllib.parse.quote_from_bytes(data).encode()),
+            (4, data.decode("latin-1").encode("utf-7")), (5, data.decode("latin-1").encode()),
+            (6, base58(data[:64])), (7, base64.b32encode(data)), (8, base64.a85encode(data)),
+            (9, z85(data))]
+
+
+def data_seeds(samples):
+    rng = random.Random(2)
+    for n, data in enumerate(samples):
+        size = struct.pack("<H", len(data) * 2 + 16)
+        write("base64_one_shot_fuzz", "b64_%d" % n, size + base64.b64encode(data))
+        write("base64_one_shot_fuzz", "wrapped%d" % n,
+              size + base64.encodebytes(data).replace(b"\n", b"\r\n"))
+        for index, (encoding, text) in enumerate(data_texts(data)):
+            write("decode_buffer_fuzz", "e%d_%d_%d" % (encoding, index, n),
+                  bytes([encoding, 0]) + size + text)
+        packed = zlib.compress(data, 9)
+        write("decode_buffer_fuzz", "deflated%d" % n,
+              bytes([1, 1]) + size + base64.b64encode(packed))
+        write("expand_data_fuzz", "raw%d" % n, zlib.compress(data)[2:-4] if data else b"\x03\x00")
+        write("expand_data_fuzz", "zlib%d" % n, zlib.compress(data))
+        for choice in range(0, 256, 37):
+            write("encode_bounds_fuzz", "c%d_%d" % (choice, n),
+                  bytes([choice]) + size + data[:1024])
+            write("round_trip_fuzz", "c%d_%d" % (choice, n), bytes([choice]) + data[:2048])
+        # chunked_decoders: decoder, text length (at most 255), text, piece sizes.
+        for decoder, text in enumerate((base64.b64encode(data[:180]),
+                                        base64.b32encode(data[:150]),
+                                        quopri.encodestring(data[:80])[:255])):
+            pieces = bytes(rng.randrange(64) for _ in range(32))
+            write("chunked_decoders_fuzz", "d%d_%d" % (decoder, n),
+                  bytes([decoder, len(text)]) + text + pieces)
+
+
 def main():
     rng = random.Random(1)
     samples = [b"", b"a", b"hello world\r\n" * 20, bytes(range(256)) * 3,
@@ -80,6 +142,7 @@ def main():
                               filters=[{"id": lzma.FILTER_LZMA1, "dict_size": 1 << 24}])
         write("expand_file_fuzz", "lzma%d" % n, b"\x03" + alone)
         write("expand_file_fuzz", "detect%d" % n, b"\x00" + zlib.compress(data))
+    data_seeds(samples)
 
 
 if __name__ == "__main__":
