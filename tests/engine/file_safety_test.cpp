@@ -102,8 +102,10 @@ TEST_F(FileSafety, BitSixteenCodingFromEightThreads) {
         const std::string mid = folder_.Path("mid" + std::to_string(t));
         const std::string out = folder_.Path("out" + std::to_string(t));
         fs::remove(out);
-        if (EncodeFileByType(in.c_str(), mid.c_str(), static_cast<uint32_t>(fileEncodeUucode) | fileEncodeCompressed) &&
-            DecodeFileByType(mid.c_str(), out.c_str(), static_cast<uint32_t>(fileDecodeUucode) | fileDecodeCompressed)) {
+        if (EncodeFileByType(in.c_str(), mid.c_str(),
+                             static_cast<uint32_t>(fileEncodeUucode) | fileEncodeCompressed) &&
+            DecodeFileByType(mid.c_str(), out.c_str(),
+                             static_cast<uint32_t>(fileDecodeUucode) | fileDecodeCompressed)) {
           ++done;
           if (TempFolder::Read(out) != data) ++wrong;
         }
@@ -318,7 +320,8 @@ TEST_F(FileSafety, BitSixteenWithAFullTemporaryFolderReportsDiskFull) {
   const std::string in = folder_.Write("in.bin", data);
   const std::string out = folder_.Path("out.uu");
   EngineSetLastError(0);
-  EXPECT_FALSE(EncodeFileByType(in.c_str(), out.c_str(), static_cast<uint32_t>(fileEncodeUucode) | fileEncodeCompressed));
+  EXPECT_FALSE(EncodeFileByType(in.c_str(), out.c_str(),
+                                static_cast<uint32_t>(fileEncodeUucode) | fileEncodeCompressed));
   EXPECT_EQ(EngineGetLastError(), 112u);
   EXPECT_FALSE(TempFolder::Exists(out));
   EXPECT_EQ(TempFolder::Read(in), data);

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "platform/platform.h"
+#include "platform/scoped_file.h"
 
 namespace fe::compress {
 
@@ -42,25 +43,7 @@ class Output {
   platform::FileIdentity identity_;
 };
 
-// Closes a file handle when it goes out of scope.
-class ScopedFile {
- public:
-  explicit ScopedFile(platform::FileHandle file = platform::kInvalidFile) : file_(file) {}
-  ~ScopedFile() { Close(); }
-  ScopedFile(const ScopedFile&) = delete;
-  ScopedFile& operator=(const ScopedFile&) = delete;
-  platform::FileHandle get() const { return file_; }
-  bool Valid() const { return file_ != platform::kInvalidFile; }
-  void Close() { Reset(platform::kInvalidFile); }
-  // Closes the current file and takes over another.
-  void Reset(platform::FileHandle file) {
-    platform::CloseFile(file_);
-    file_ = file;
-  }
-
- private:
-  platform::FileHandle file_;
-};
+using platform::ScopedFile;
 
 // Writes all of data; false on a failed or short write.
 bool WriteAll(platform::FileHandle file, const uint8_t* data, size_t size);

@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "crypt/key_string.h"
+#include "crypt/wipe.h"
 #include "errors/last_error.h"
 #include "errors/system_errors.h"
 #include "file_encoder.h"
@@ -12,18 +13,13 @@
 
 namespace {
 
+using fe::crypt::Wipe;
+
 constexpr uint32_t kChunkSize = 4096;
 // Encryption needs room for the padding block after the last chunk.
 constexpr uint32_t kEncryptWorkSize = kChunkSize + 128;
 
 enum class Direction { kEncrypt, kDecrypt };
-
-// Clears memory that held plain text in a way the compiler cannot drop.
-void Wipe(void* memory, size_t size) {
-  auto* p = static_cast<volatile uint8_t*>(memory);
-  while (size-- > 0)
-    *p++ = 0;
-}
 
 bool RunCipher(Direction direction, const char* password, const uint8_t* input,
                uint32_t inputLength, uint8_t* output, uint32_t* outputLength) {

@@ -103,6 +103,17 @@ enum EncoderCompressionConstants {
   fileCompressionLzma = 3 /* LZMA-alone: 13-byte header, then the raw stream */
 };
 
+/* Checks of CompareFiles; bits may be combined. */
+enum EncoderCompareConstants {
+  fileCompareDefault = 0, /* contents, or only the digest when one is given */
+  fileCompareContents = 1,
+  fileCompareCreated = 2,
+  fileCompareModified = 4,
+  fileCompareMD5 = 256,
+  fileCompareSHA1 = 512,
+  fileCompareSHA256 = 1024
+};
+
 #endif /* __FileEncoderCtl_LIBRARY_DEFINED__ */
 
 /* ---- Last error and messages ---- */
@@ -304,6 +315,55 @@ FE_API int DeflateBuffer(const uint8_t* input, int32_t inputLength, uint8_t* out
                          uint32_t* length);
 FE_API int InflateBuffer(const uint8_t* input, int32_t inputLength, uint8_t* output,
                          uint32_t* length);
+
+/* ---- File encryption ---- */
+
+/* Encrypts or decrypts a whole file with the buffer cipher (the same bytes
+ * as EncryptBuffer/DecryptBuffer). The result replaces the output, which may
+ * be the input itself, only when the whole file went through. A null
+ * password keys with the identifier alone. Non-zero on success (last error
+ * 0); 13 for a wrong password or a damaged file. */
+FE_API int EncryptFileData(const char* password, const char* inputPath, const char* outputPath);
+FE_API int DecryptFileData(const char* password, const char* inputPath, const char* outputPath);
+
+/* ---- File comparison and digests ---- */
+
+/* Compares file1 with file2 (or null) by the EncoderCompareConstants in
+ * options, and file1 with a hexadecimal digest (or null). Non-zero when all
+ * checks pass (last error 0); otherwise the control code of the first
+ * failing check is the last error. */
+FE_API int CompareFiles(const char* file1, const char* file2, uint32_t options, const char* digest);
+
+/* The digest of a whole file as uppercase hexadecimal text into output (at
+ * least 65 characters). Returns the number of digits (32, 40 or 64), 0 on
+ * failure. */
+FE_API int32_t GetFileDigestMD5(const char* path, char* output);
+FE_API int32_t GetFileDigestSHA1(const char* path, char* output);
+FE_API int32_t GetFileDigestSHA256(const char* path, char* output);
+
+/* ---- Tokens and UUIDs ---- */
+
+/* A UUID as its four fields; the text prints them as numbers. */
+typedef struct EncoderUuid {
+  uint32_t first;
+  uint16_t second;
+  uint16_t third;  /* holds the version nibble */
+  uint8_t last[8]; /* last[0] holds the variant bits */
+} EncoderUuid;
+
+/* Version 7: the Unix time in milliseconds and random bits. Version 8:
+ * random bits, with customValue as the first field unless it is 0.
+ * Non-zero on success. */
+FE_API int CreateUuid7Record(EncoderUuid* record);
+FE_API int CreateUuid8Record(EncoderUuid* record, int32_t customValue);
+/* The 36-character lowercase text of a record (all zeros for null) into
+ * output (at least 37 characters). Returns 36, or 0 for a null output. */
+FE_API int32_t FormatUuid(const EncoderUuid* record, char* output);
+/* A random token of bitLength bits (0 means 128; rounded up to a power of
+ * two from 64 to 4096) as Base58 (encodingType 0 or 6), Base64 (1) or
+ * Base32 (7) without padding, Base32 in lowercase, or Base85 (8), into
+ * output (at least 1025 characters). Returns its length, 0 on failure. */
+FE_API int32_t CreateTokenText(int32_t bitLength, int32_t encodingType, char* output);
 
 #ifdef __cplusplus
 }

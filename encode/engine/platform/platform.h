@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string>
 
 namespace fe::platform {
 
@@ -124,6 +125,20 @@ void RemoveCreatedFile(const char* path, const FileIdentity& created);
 // the permission bits of `to`. Across volumes `from` is first copied to a
 // new temporary file beside `to`, so `to` is never truncated or lost.
 bool ReplaceFileAtomically(const char* from, const char* to, const FileIdentity& expected);
+// Moves `from` to the name `to`, which must not exist (80 when it does):
+// MoveFileEx without replacing. Across volumes through a complete copy
+// beside `to`, so `to` never appears half-written.
+bool MoveFileToNewName(const char* from, const char* to);
+// GetTempFileName with uUnique 0: a new empty file named from the first
+// three characters of `prefix` and four hexadecimal digits, in `folder`;
+// the full name goes to `output`. False with the reason as last error.
+bool CreateUniqueTempFile(const char* folder, const char* prefix, std::string* output);
+// GetTempPath: the folder for temporary files, ending in a separator;
+// its length in characters, 0 on failure.
+uint32_t TempPath(std::string* folder);
+// GetFileTime: creation and last-write time in 100-nanosecond units since
+// 1601 (Linux: the birth time, 0 where the file system keeps none).
+bool GetFileTimes(FileHandle file, int64_t* created, int64_t* modified);
 // ReadFile / WriteFile: false with the reason as last error.
 bool ReadFile(FileHandle file, void* buffer, uint32_t size, uint32_t* read);
 bool WriteFile(FileHandle file, const void* buffer, uint32_t size, uint32_t* written);
@@ -148,6 +163,14 @@ uint32_t DriveType(const char* root);
 uint32_t WindowsDirectory(char* buffer, uint32_t size);
 uint32_t EnvironmentVariable(const char* name, char* buffer, uint32_t size);
 
+// ExpandEnvironmentStringsW: %NAME% replaced by the variable's value, an
+// unknown name left as it stands. Returns the expansion's length in UTF-16
+// units with its terminator, as that call counts, 0 on failure.
+uint32_t ExpandEnvironment(const char* text, std::string* expanded);
+// GetFullPathNameW: the absolute form of a path; its length in UTF-16
+// units, 0 on failure.
+uint32_t AbsolutePath(const char* path, std::string* full);
+
 // The path separator and whether paths may begin with a drive letter.
 #ifdef _WIN32
 inline constexpr char kSeparator = '\\';
@@ -159,5 +182,9 @@ inline constexpr bool kHasDrives = false;
 
 // Milliseconds since an arbitrary start (GetTickCount).
 uint32_t GetTickCount();
+// GetSystemTimeAsFileTime: UTC in 100-nanosecond units since 1601.
+int64_t SystemTimeAsFileTime();
+// RtlGenRandom: bytes from the system's cryptographic generator.
+bool RandomBytes(void* buffer, size_t size);
 
 }  // namespace fe::platform

@@ -90,9 +90,20 @@ bool CopyContents(int in, int out) {
   return ::fsync(out) == 0;
 }
 
+// Renames without replacing: renameat2's no-replace flag, or a hard link
+// where the file system does not offer it.
+bool RenameToNewName(const char* from, const char* to) {
+  if (::renameat2(AT_FDCWD, from, AT_FDCWD, to, RENAME_NOREPLACE) == 0) return true;
+  if (errno != EINVAL && errno != ENOSYS) return false;
+  if (::link(from, to) != 0) return false;
+  ::unlink(from);
+  return true;
+}
+
 // Across file systems: a complete, flushed copy beside `to` takes its place
-// by a rename; only then is `from` removed. `to` is never truncated.
-bool CopyBesideThenRename(const char* from, const char* to, uint32_t permissions) {
+// by a rename (or appears under the new name); only then is `from` removed.
+// `to` is never truncated.
+bool CopyBesideThenRename(const char* from, const char* to, uint32_t permissions, bool replace) {
   const int in = ::open(from, O_RDONLY | O_CLOEXEC);
   if (in < 0) return Fail();
   std::string copy;
@@ -104,7 +115,7 @@ bool CopyBesideThenRename(const char* from, const char* to, uint32_t permissions
   }
   bool ok = ::fchmod(out, permissions) == 0 && CopyContents(in, out);
   ok = ::close(out) == 0 && ok;
-  ok = ok && ::rename(copy.c_str(), to) == 0;
+  ok = ok && (replace ? ::rename(copy.c_str(), to) == 0 : RenameToNewName(copy.c_str(), to));
   if (!ok) SetLastErrorFromErrno();
   ::close(in);
   if (!ok) {
@@ -264,7 +275,55 @@ bool ReplaceFileAtomically(const char* from, const char* to, const FileIdentity&
   [[maybe_unused]] const int ignored = ::chown(from, owner.st_uid, owner.st_gid);
   if (::rename(from, to) == 0) return true;
   if (errno != EXDEV) return Fail();
-  return CopyBesideThenRename(from, to, current.permissions);
+  return CopyBesideThenRename(from, to, current.permissions, true);
+}
+
+bool MoveFileToNewName(const char* from, const char* to) {
+  if (RenameToNewName(from, to)) return true;
+  if (errno != EXDEV) return Fail();
+  struct stat source;
+  if (::stat(from, &source) != 0) return Fail();
+  return CopyBesideThenRename(from, to, source.st_mode & 07777, false);
+}
+
+// GetTempFileName's scheme: the first three characters of the prefix and a
+// 16-bit number in hexadecimal, starting from the clock and counting up
+// until a name is free; the file is created exclusively.
+bool CreateUniqueTempFile(const char* folder, const char* prefix, std::string* output) {
+  std::string base = folder;
+  if (base.empty() || base.back() != '/') base += '/';
+  base.append(prefix, ::strnlen(prefix, 3));
+  const uint32_t start = GetTickCount() & 0xFFFF;
+  for (uint32_t step = 0; step < 0x10000; ++step) {
+    const uint32_t unique = (start + step) & 0xFFFF;
+    if (unique == 0) continue;
+    char leaf[16];
+    std::snprintf(leaf, sizeof leaf, "%X.TMP", static_cast<unsigned>(unique));
+    const std::string name = base + leaf;
+    const int fd = ::open(name.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+    if (fd >= 0) {
+      ::close(fd);
+      *output = name;
+      return true;
+    }
+    if (errno != EEXIST) return Fail();
+  }
+  SetLastErrorCode(80);  // ERROR_FILE_EXISTS: every name is taken
+  return false;
+}
+
+bool GetFileTimes(FileHandle file, int64_t* created, int64_t* modified) {
+  struct statx info = {};
+  if (::statx(static_cast<int>(file), "", AT_EMPTY_PATH, STATX_BTIME | STATX_MTIME, &info) != 0) {
+    return Fail();
+  }
+  // Seconds since 1970 to 100-nanosecond units since 1601.
+  const auto fileTime = [](const struct statx_timestamp& t) {
+    return (int64_t{t.tv_sec} + 11644473600) * 10000000 + t.tv_nsec / 100;
+  };
+  *created = (info.stx_mask & STATX_BTIME) ? fileTime(info.stx_btime) : 0;
+  *modified = fileTime(info.stx_mtime);
+  return true;
 }
 
 }  // namespace fe::platform

@@ -7,7 +7,6 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
-#include <ctime>
 #include <string>
 
 #include "platform/platform.h"
@@ -23,6 +22,17 @@ uint32_t CopyOut(const std::string& text, char* buffer, uint32_t size) {
   if (text.size() + 1 > size) return static_cast<uint32_t>(text.size() + 1);
   std::memcpy(buffer, text.c_str(), text.size() + 1);
   return static_cast<uint32_t>(text.size());
+}
+
+// How many UTF-16 units the Windows build would count for a UTF-8 text:
+// two for each four-byte sequence, one for every other character.
+uint32_t Utf16Length(const std::string& text) {
+  uint32_t units = 0;
+  for (const unsigned char c : text) {
+    if ((c & 0xC0) != 0x80) ++units;
+    if (c >= 0xF0) ++units;
+  }
+  return units;
 }
 
 }  // namespace
@@ -53,6 +63,48 @@ uint32_t FullPathName(const char* name, char* buffer, uint32_t size) {
   return CopyOut(full, buffer, size);
 }
 
+// TMPDIR, then TMP and TEMP (as GetTempPath reads them), else /tmp.
+uint32_t TempPath(std::string* folder) {
+  const char* found = nullptr;
+  for (const char* name : {"TMPDIR", "TMP", "TEMP"}) {
+    found = std::getenv(name);
+    if (found != nullptr && *found != '\0') break;
+    found = nullptr;
+  }
+  *folder = found != nullptr ? found : "/tmp";
+  if (folder->back() != '/') *folder += '/';
+  return Utf16Length(*folder);
+}
+
+uint32_t ExpandEnvironment(const char* text, std::string* expanded) {
+  expanded->clear();
+  for (const char* p = text; *p != '\0';) {
+    const char* end = *p == '%' ? std::strchr(p + 1, '%') : nullptr;
+    if (end == nullptr) {
+      expanded->push_back(*p++);
+      continue;
+    }
+    const std::string name(p + 1, end);
+    const char* value = name.empty() ? nullptr : std::getenv(name.c_str());
+    if (value == nullptr) {
+      // Not a variable: the first '%' stays and the search goes on after it.
+      expanded->push_back(*p++);
+      continue;
+    }
+    expanded->append(value);
+    p = end + 1;
+  }
+  return Utf16Length(*expanded) + 1;
+}
+
+uint32_t AbsolutePath(const char* path, std::string* full) {
+  char buffer[PATH_MAX + 1];
+  const uint32_t n = FullPathName(path, buffer, sizeof buffer);
+  if (n == 0 || n >= sizeof buffer) return 0;
+  *full = buffer;
+  return Utf16Length(*full);
+}
+
 uint32_t DriveType(const char*) {
   return 0;
 }  // DRIVE_UNKNOWN: no drives here
@@ -68,13 +120,6 @@ uint32_t EnvironmentVariable(const char* name, char* buffer, uint32_t size) {
     return 0;
   }
   return CopyOut(value, buffer, size);
-}
-
-uint32_t GetTickCount() {
-  timespec now{};
-  ::clock_gettime(CLOCK_MONOTONIC, &now);
-  return static_cast<uint32_t>(static_cast<uint64_t>(now.tv_sec) * 1000 +
-                               static_cast<uint64_t>(now.tv_nsec) / 1000000);
 }
 
 }  // namespace fe::platform

@@ -1,5 +1,7 @@
 // windows.h must come first.
 #include <windows.h>
+// RtlGenRandom is exported by advapi32 under this name.
+#include <ntsecapi.h>
 
 #include <string>
 
@@ -17,8 +19,34 @@ std::wstring Wide(const char* path) {
   return wide;
 }
 
+std::string Narrow(const wchar_t* text) {
+  const int n = ::WideCharToMultiByte(CP_UTF8, 0, text, -1, nullptr, 0, nullptr, nullptr);
+  std::string narrow(static_cast<size_t>(n > 0 ? n : 1), '\0');
+  if (n > 0) ::WideCharToMultiByte(CP_UTF8, 0, text, -1, narrow.data(), n, nullptr, nullptr);
+  narrow.resize(narrow.size() - 1);
+  return narrow;
+}
+
 HANDLE Native(FileHandle file) {
   return reinterpret_cast<HANDLE>(file);
+}
+
+// Across volumes: a complete copy beside the target takes its place (or
+// its new name) by a rename, so a failed copy never touches the target.
+bool CopyBesideThenMove(const wchar_t* from, const std::wstring& target, DWORD moveFlags) {
+  std::wstring folder = target.substr(0, target.find_last_of(L"\\/") + 1);
+  if (folder.empty()) folder = L".";
+  wchar_t copy[MAX_PATH];
+  if (!::GetTempFileNameW(folder.c_str(), L"~r", 0, copy)) return false;
+  if (!::CopyFileW(from, copy, FALSE) ||
+      !::MoveFileExW(copy, target.c_str(), moveFlags | MOVEFILE_WRITE_THROUGH)) {
+    const DWORD error = ::GetLastError();
+    ::DeleteFileW(copy);
+    ::SetLastError(error);
+    return false;
+  }
+  ::DeleteFileW(from);
+  return true;
 }
 
 }  // namespace
@@ -114,24 +142,63 @@ bool ReplaceFileAtomically(const char* from, const char* to, const FileIdentity&
     ::SetLastError(ERROR_SHARING_VIOLATION);
     return false;
   }
-  const std::wstring target = Wide(to);
-  if (::MoveFileExW(Wide(from).c_str(), target.c_str(), MOVEFILE_REPLACE_EXISTING)) return true;
+  const std::wstring source = Wide(from), target = Wide(to);
+  if (::MoveFileExW(source.c_str(), target.c_str(), MOVEFILE_REPLACE_EXISTING)) return true;
   if (::GetLastError() != ERROR_NOT_SAME_DEVICE) return false;
-  // Across volumes: a complete copy beside the target takes its place by a
-  // rename, so a failed copy never touches the target.
-  std::wstring folder = target.substr(0, target.find_last_of(L"\\/") + 1);
-  if (folder.empty()) folder = L".";
-  wchar_t copy[MAX_PATH];
-  if (!::GetTempFileNameW(folder.c_str(), L"~r", 0, copy)) return false;
-  if (!::CopyFileW(Wide(from).c_str(), copy, FALSE) ||
-      !::MoveFileExW(copy, target.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH)) {
-    const DWORD error = ::GetLastError();
-    ::DeleteFileW(copy);
-    ::SetLastError(error);
-    return false;
-  }
-  ::DeleteFileW(Wide(from).c_str());
+  return CopyBesideThenMove(source.c_str(), target, MOVEFILE_REPLACE_EXISTING);
+}
+
+bool MoveFileToNewName(const char* from, const char* to) {
+  const std::wstring source = Wide(from), target = Wide(to);
+  if (::MoveFileExW(source.c_str(), target.c_str(), 0)) return true;
+  if (::GetLastError() != ERROR_NOT_SAME_DEVICE) return false;
+  return CopyBesideThenMove(source.c_str(), target, 0);
+}
+
+bool CreateUniqueTempFile(const char* folder, const char* prefix, std::string* output) {
+  wchar_t name[MAX_PATH];
+  if (!::GetTempFileNameW(Wide(folder).c_str(), Wide(prefix).c_str(), 0, name)) return false;
+  *output = Narrow(name);
   return true;
+}
+
+uint32_t TempPath(std::string* folder) {
+  wchar_t path[MAX_PATH + 1];
+  const DWORD n = ::GetTempPathW(MAX_PATH + 1, path);
+  if (n == 0 || n > MAX_PATH) return n;
+  *folder = Narrow(path);
+  return n;
+}
+
+bool GetFileTimes(FileHandle file, int64_t* created, int64_t* modified) {
+  FILETIME creation, write;
+  if (!::GetFileTime(Native(file), &creation, nullptr, &write)) return false;
+  *created =
+      static_cast<int64_t>((uint64_t{creation.dwHighDateTime} << 32) | creation.dwLowDateTime);
+  *modified = static_cast<int64_t>((uint64_t{write.dwHighDateTime} << 32) | write.dwLowDateTime);
+  return true;
+}
+
+uint32_t ExpandEnvironment(const char* text, std::string* expanded) {
+  const std::wstring wide = Wide(text);
+  const DWORD n = ::ExpandEnvironmentStringsW(wide.c_str(), nullptr, 0);
+  if (n == 0) return 0;
+  std::wstring out(n, L'\0');
+  const DWORD written = ::ExpandEnvironmentStringsW(wide.c_str(), out.data(), n);
+  if (written == 0 || written > n) return 0;
+  *expanded = Narrow(out.c_str());
+  return written;
+}
+
+uint32_t AbsolutePath(const char* path, std::string* full) {
+  const std::wstring wide = Wide(path);
+  const DWORD n = ::GetFullPathNameW(wide.c_str(), 0, nullptr, nullptr);
+  if (n == 0) return 0;
+  std::wstring out(n, L'\0');
+  const DWORD written = ::GetFullPathNameW(wide.c_str(), n, out.data(), nullptr);
+  if (written == 0 || written >= n) return 0;
+  *full = Narrow(out.c_str());
+  return written;
 }
 
 uint32_t CurrentDirectory(char* buffer, uint32_t size) {
@@ -156,6 +223,17 @@ uint32_t EnvironmentVariable(const char* name, char* buffer, uint32_t size) {
 
 uint32_t GetTickCount() {
   return ::GetTickCount();
+}
+
+int64_t SystemTimeAsFileTime() {
+  FILETIME now;
+  ::GetSystemTimeAsFileTime(&now);
+  return static_cast<int64_t>((uint64_t{now.dwHighDateTime} << 32) | now.dwLowDateTime);
+}
+
+bool RandomBytes(void* buffer, size_t size) {
+  // RtlGenRandom takes a 32-bit count; the engine never asks for more.
+  return ::SystemFunction036(buffer, static_cast<ULONG>(size)) != FALSE;
 }
 
 }  // namespace fe::platform
