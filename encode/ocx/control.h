@@ -206,6 +206,10 @@ class CFileEncoder final : public IFileEncoderConversion,
   void RaiseProgress(const std::string& fileName, DWORD size, DWORD processed, SHORT percent);
   HRESULT CodeFile(bool encode, const VARIANT& InputFile, const VARIANT& OutputFile,
                    const VARIANT& Encoding, VARIANT* Error);
+  HRESULT CipherFile(bool encrypt, const VARIANT& InputFile, const VARIANT& OutputFile,
+                     const VARIANT& Password, VARIANT* Error);
+  // Sets Result to the text of a token or UUID, or reports the failure.
+  HRESULT StoreIdentifier(VARIANT* Result, bool made, const char* text);
   HRESULT CipherData(bool encrypt, const VARIANT& InputData, VARIANT* OutputData,
                      const VARIANT& Password, VARIANT* Result);
 

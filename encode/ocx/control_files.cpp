@@ -132,4 +132,53 @@ STDMETHODIMP CFileEncoder::ExpandFile(VARIANT InputFile, VARIANT OutputFile,
       [type](const char* in, const char* out) { return ExpandFileByType(in, out, type); });
 }
 
+HRESULT CFileEncoder::CipherFile(bool encrypt, const VARIANT& InputFile, const VARIANT& OutputFile,
+                                 const VARIANT& Password, VARIANT* Error) {
+  SetOutInteger(Error, 0);
+  std::string password;
+  bool present = false;
+  const HRESULT hr = GetUtf8Argument(Password, &password, &present);
+  if (FAILED(hr)) return hr;
+  // An omitted password is the Password property's.
+  if (!present) password = ToMultiByte(password_.c_str(), password_.size(), CP_UTF8);
+  const auto run = encrypt ? EncryptFileData : DecryptFileData;
+  return RunFileOperation(
+      InputFile, OutputFile, Error, false,
+      [run, &password](const char* in, const char* out) { return run(password.c_str(), in, out); });
+}
+
+STDMETHODIMP CFileEncoder::EncryptFile(VARIANT InputFile, VARIANT OutputFile, VARIANT Password,
+                                       VARIANT* Error) {
+  return CipherFile(true, InputFile, OutputFile, Password, Error);
+}
+
+STDMETHODIMP CFileEncoder::DecryptFile(VARIANT InputFile, VARIANT OutputFile, VARIANT Password,
+                                       VARIANT* Error) {
+  return CipherFile(false, InputFile, OutputFile, Password, Error);
+}
+
+STDMETHODIMP CFileEncoder::CompareFile(VARIANT File1, VARIANT File2, VARIANT Options,
+                                       VARIANT Digest, VARIANT* Error) {
+  SetOutInteger(Error, 0);
+  std::string first, second, digest;
+  bool firstGiven = false, secondGiven = false, digestGiven = false;
+  HRESULT hr = GetUtf8Argument(File1, &first, &firstGiven);
+  if (FAILED(hr)) return hr;
+  hr = GetUtf8Argument(File2, &second, &secondGiven);
+  if (FAILED(hr)) return hr;
+  DWORD options = 0;
+  hr = GetOptionalInteger(&Options, 0, &options);
+  if (FAILED(hr)) return hr;
+  hr = GetUtf8Argument(Digest, &digest, &digestGiven);
+  if (FAILED(hr)) return hr;
+  if (CompareFiles(firstGiven ? first.c_str() : nullptr, secondGiven ? second.c_str() : nullptr,
+                   options, digestGiven ? digest.c_str() : nullptr)) {
+    return S_OK;
+  }
+  // Error carries the first check that failed.
+  const DWORD error = ::GetLastError();
+  SetOutInteger(Error, static_cast<LONG>(error & 0xFFFF));
+  return ReportError(error);
+}
+
 }  // namespace fe::ocx

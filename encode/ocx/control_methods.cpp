@@ -222,26 +222,7 @@ HRESULT CFileEncoder::CipherData(bool encrypt, const VARIANT& InputData, VARIANT
   return output.StoreText(text);
 }
 
-// Bound by the file encryption, comparison, identifier and text-filter
-// engines as they are added.
-STDMETHODIMP CFileEncoder::DecryptFile(VARIANT, VARIANT, VARIANT, VARIANT*) {
-  return E_NOTIMPL;
-}
-STDMETHODIMP CFileEncoder::EncryptFile(VARIANT, VARIANT, VARIANT, VARIANT*) {
-  return E_NOTIMPL;
-}
-STDMETHODIMP CFileEncoder::CompareFile(VARIANT, VARIANT, VARIANT, VARIANT, VARIANT*) {
-  return E_NOTIMPL;
-}
-STDMETHODIMP CFileEncoder::CreateToken(VARIANT, VARIANT, VARIANT*) {
-  return E_NOTIMPL;
-}
-STDMETHODIMP CFileEncoder::CreateUuid7(VARIANT*) {
-  return E_NOTIMPL;
-}
-STDMETHODIMP CFileEncoder::CreateUuid8(VARIANT, VARIANT*) {
-  return E_NOTIMPL;
-}
+// Bound by the text-filter and conversion engines as they are added.
 STDMETHODIMP CFileEncoder::FilterHtml(VARIANT, VARIANT*) {
   return E_NOTIMPL;
 }

@@ -193,15 +193,21 @@ HRESULT DataOutput::StoreBytes(const BYTE* data, DWORD length) {
 }
 
 HRESULT DataOutput::StoreText(const std::wstring& text) {
+  return SetOutText(target_, text);
+}
+
+HRESULT SetOutText(VARIANT* argument, const std::wstring& text) {
+  VARIANT* target = OutArgument(argument);
+  if (target == nullptr) return S_OK;
   const BSTR string = ::SysAllocStringLen(text.data(), static_cast<UINT>(text.size()));
   if (string == nullptr) return E_OUTOFMEMORY;
-  if (target_->vt == (VT_BYREF | VT_BSTR)) {
-    ::SysFreeString(*target_->pbstrVal);
-    *target_->pbstrVal = string;
+  if (target->vt == (VT_BYREF | VT_BSTR)) {
+    ::SysFreeString(*target->pbstrVal);
+    *target->pbstrVal = string;
   } else {
-    ::VariantClear(target_);
-    target_->vt = VT_BSTR;
-    target_->bstrVal = string;
+    ::VariantClear(target);
+    target->vt = VT_BSTR;
+    target->bstrVal = string;
   }
   return S_OK;
 }

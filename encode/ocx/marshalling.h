@@ -31,6 +31,8 @@ const VARIANT& Dereference(const VARIANT& value);
 VARIANT* OutArgument(VARIANT* argument);
 // Rule R: sets a given out-argument to the 32-bit integer `value`.
 void SetOutInteger(VARIANT* argument, LONG value);
+// Sets a given out-argument to a string (a by-reference string in place).
+HRESULT SetOutText(VARIANT* argument, const std::wstring& text);
 
 // UTF-16 and 8-bit text in a code page.
 std::string ToMultiByte(const wchar_t* text, size_t length, UINT codePage);

@@ -3,8 +3,10 @@
 #include <ocidl.h>
 #include <olectl.h>
 
+#include <atomic>
 #include <fstream>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "control_fixture.h"
@@ -143,6 +145,44 @@ TEST_F(Progress, EveryFileMethodReportsItsWork) {
   ASSERT_EQ(error->lVal, 0);
   ::DeleteFileW(back.c_str());
   EXPECT_EQ(sink_->calls.size(), 4u);
+}
+
+TEST_F(Progress, EncryptFileSetsStateButRaisesNoEvent) {
+  // Large enough that the call lasts while another thread watches State.
+  std::ofstream(std::string(source_.begin(), source_.end()), std::ios::binary)
+      << std::string(32 << 20, 'e');
+  std::atomic<bool> done{false};
+  std::atomic<LONG> seen{0};
+  HRESULT result = E_FAIL;
+  LONG error = -1;
+  std::thread call([&] {
+    Variant input(source_.c_str()), output(output_.c_str()), password(L"pw"), errorValue;
+    VARIANT errorRef = ByReference(errorValue.get());
+    result = encoder_->EncryptFile(*input.get(), *output.get(), *password.get(), &errorRef);
+    error = errorValue->lVal;
+    done = true;
+  });
+  while (!done) {
+    LONG state = 0;
+    encoder_->get_State(&state);
+    if (state == 1) seen = 1;
+  }
+  call.join();
+  EXPECT_EQ(result, S_OK);
+  EXPECT_EQ(error, 0);
+  EXPECT_EQ(seen.load(), 1);
+  EXPECT_TRUE(sink_->calls.empty());
+  EXPECT_EQ(GetLong(L"State"), 0);
+  // Decryption alike, back into the source.
+  Variant input(output_.c_str()), output(source_.c_str()), password(L"pw"), errorValue;
+  VARIANT errorRef = ByReference(errorValue.get());
+  ASSERT_EQ(
+      control_->Method(L"DecryptFile", {input.get(), output.get(), password.get(), &errorRef}),
+      S_OK);
+  EXPECT_EQ(errorValue->lVal, 0);
+  EXPECT_TRUE(sink_->calls.empty());
+  std::ifstream back(std::string(source_.begin(), source_.end()), std::ios::binary | std::ios::ate);
+  EXPECT_EQ(static_cast<long long>(back.tellg()), 32ll << 20);
 }
 
 }  // namespace
