@@ -236,6 +236,80 @@ TEST(CrossCheck, EncryptionAgainstOpensslCommandLine) {
   }
 }
 
+TEST(CrossCheck, EncryptedFilesAgainstOpensslCommandLine) {
+  Bytes probe;
+  if (!RunTool("openssl version >/dev/null", {}, probe)) {
+    GTEST_SKIP() << "cross-check cannot run: openssl command missing";
+  }
+  TempFolder folder;
+  const Bytes key = Python(
+      "__import__('hashlib').sha256(b'{fd91a26c-3e37-4b0c-bbc2-cb031bf7130a}' + "
+      "b'file key').hexdigest().encode()",
+      {});
+  const std::string cipher =
+      "openssl enc -aes-256-cbc -K " + ToString(key) + " -iv " + std::string(32, '0') + " -in {in}";
+  for (size_t size : {1u, 4096u, 8192u, 100000u, 1000003u}) {
+    const Bytes plain = RandomBytes(size, static_cast<uint32_t>(size) + 3);
+    const std::string in = folder.Write("plain", plain);
+    const std::string out = folder.Path("cipher");
+    ASSERT_TRUE(EncryptFileData("file key", in.c_str(), out.c_str()));
+    Bytes theirs;
+    ASSERT_TRUE(RunTool(cipher, plain, theirs));
+    EXPECT_EQ(TempFolder::Read(out), theirs) << size;
+    // And what OpenSSL encrypted decrypts here.
+    const std::string back = folder.Path("back");
+    ASSERT_TRUE(DecryptFileData("file key", folder.Write("theirs", theirs).c_str(), back.c_str()));
+    EXPECT_EQ(TempFolder::Read(back), plain) << size;
+    Bytes decrypted;
+    ASSERT_TRUE(RunTool(cipher + " -d", TempFolder::Read(out), decrypted));
+    EXPECT_EQ(decrypted, plain) << size;
+  }
+}
+
+TEST(CrossCheck, DigestsOfEveryLengthAgainstPythonHashlib) {
+  // One file of 1000 bytes; Python prints the three digests of each prefix.
+  const Bytes data = RandomBytes(1000, 21);
+  const Bytes expected = Python(
+      "'\\n'.join(' '.join(__import__('hashlib').new(h, data[:n]).hexdigest().upper() "
+      "for h in ('md5', 'sha1', 'sha256')) for n in range(1001)).encode()",
+      data);
+  TempFolder folder;
+  std::string ours;
+  for (size_t n = 0; n <= 1000; ++n) {
+    const std::string path = folder.Write("prefix", Bytes(data.begin(), data.begin() + n));
+    char md5[65], sha1[65], sha256[65];
+    ASSERT_EQ(GetFileDigestMD5(path.c_str(), md5), 32);
+    ASSERT_EQ(GetFileDigestSHA1(path.c_str(), sha1), 40);
+    ASSERT_EQ(GetFileDigestSHA256(path.c_str(), sha256), 64);
+    ours += std::string(n ? "\n" : "") + md5 + " " + sha1 + " " + sha256;
+  }
+  EXPECT_EQ(ours, ToString(expected));
+}
+
+TEST(CrossCheck, FileDigestsAgainstCoreutils) {
+  TempFolder folder;
+  for (size_t size : {0u, 55u, 64u, 8191u, 8192u, 8193u, 1000000u, 5u << 20}) {
+    const std::string path = folder.Write("file", RandomBytes(size, static_cast<uint32_t>(size)));
+    const struct {
+      const char* tool;
+      int32_t (*ours)(const char*, char*);
+    } digests[] = {{"md5sum", GetFileDigestMD5},
+                   {"sha1sum", GetFileDigestSHA1},
+                   {"sha256sum", GetFileDigestSHA256}};
+    for (const auto& digest : digests) {
+      Bytes theirs;
+      ASSERT_TRUE(RunTool(std::string(digest.tool) + " " + path + " | cut -d' ' -f1", {}, theirs));
+      std::string text = ToString(theirs);
+      text.erase(text.find_last_not_of("\n") + 1);
+      for (char& c : text)
+        c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+      char ours[65];
+      ASSERT_GT(digest.ours(path.c_str(), ours), 0);
+      EXPECT_EQ(std::string(ours), text) << digest.tool << " " << size;
+    }
+  }
+}
+
 TEST(CrossCheck, CompressedFilesAgainstPythonAndTheCommandLineTools) {
   TempFolder folder;
   Bytes data = RandomBytes(300000, 77);

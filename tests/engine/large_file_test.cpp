@@ -6,7 +6,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <fstream>
+#include <string>
 
 #include "temp_folder.h"
 #include "test_support.h"
@@ -58,6 +60,12 @@ bool RoundTripEverything(const TempFolder& folder, size_t size) {
     ok &= CompressFileByType(source.c_str(), middle.c_str(), type, 1) &&
           ExpandFileByType(middle.c_str(), back.c_str(), 0) && SameFiles(source, back);
   }
+  ok &= EncryptFileData("large", source.c_str(), middle.c_str()) &&
+        DecryptFileData("large", middle.c_str(), back.c_str()) && SameFiles(source, back);
+  char one[65], other[65];
+  ok &= GetFileDigestSHA256(source.c_str(), one) == 64 &&
+        GetFileDigestSHA256(back.c_str(), other) == 64 && std::string(one) == other;
+  ok &= CompareFiles(source.c_str(), back.c_str(), fileCompareContents, nullptr) != 0;
   for (uint32_t encoding : {2u, 3u, 4u, 7u, 8u}) {
     ok &= EncodeFileByType(source.c_str(), middle.c_str(), encoding) &&
           DecodeFileByType(middle.c_str(), back.c_str(), encoding) && SameFiles(source, back);
@@ -73,6 +81,47 @@ TEST(LargeFiles, RoundTripWithMemoryThatDoesNotGrowWithTheSize) {
   const long afterLarge = PeakMemoryKiB();
   // Four times the data, and no more than a few MiB of extra peak memory.
   EXPECT_LT(afterLarge - afterSmall, 8 * 1024) << afterSmall << " KiB then " << afterLarge;
+}
+
+// Past 4 GiB the running total and the final flag need 64 bits: a sparse
+// file of 4 GiB and five bytes encrypts to 4 GiB and 16, and its last
+// block, deciphered with the block before it as the chaining value, is the
+// five bytes and their padding.
+TEST(LargeFiles, EncryptionPastFourGibibytes) {
+  TempFolder folder;
+  const std::string source = folder.Path("sparse.bin");
+  const uint64_t size = (4ull << 30) + 5;
+  {
+    std::ofstream file(source, std::ios::binary);
+    file.seekp(static_cast<std::streamoff>(size - 5));
+    file << "tail!";
+    if (!file) GTEST_SKIP() << "no sparse file of 4 GiB here";
+  }
+  const std::string cipher = folder.Path("sparse.enc");
+  ASSERT_TRUE(EncryptFileData("big", source.c_str(), cipher.c_str()));
+  std::ifstream in(cipher, std::ios::binary | std::ios::ate);
+  ASSERT_EQ(static_cast<uint64_t>(in.tellg()), (4ull << 30) + 16);
+  in.seekg(-32, std::ios::end);
+  Bytes last(32);
+  in.read(reinterpret_cast<char*>(last.data()), 32);
+  std::remove(source.c_str());
+  std::remove(cipher.c_str());
+  std::string chaining;
+  for (size_t i = 0; i < 16; ++i) {
+    chaining += "0123456789abcdef"[last[i] >> 4];
+    chaining += "0123456789abcdef"[last[i] & 15];
+  }
+  const std::string block = folder.Write("last", Bytes(last.begin() + 16, last.end()));
+  const std::string command = "openssl enc -d -aes-256-cbc -iv " + chaining +
+                              " -K $(/usr/bin/python3 -c \"import hashlib; print(hashlib.sha256("
+                              "b'{fd91a26c-3e37-4b0c-bbc2-cb031bf7130a}big').hexdigest())\") -in " +
+                              block;
+  FILE* pipe = popen(command.c_str(), "r");
+  ASSERT_NE(pipe, nullptr);
+  char text[64] = {};
+  const size_t n = fread(text, 1, sizeof text - 1, pipe);
+  EXPECT_EQ(pclose(pipe), 0);
+  EXPECT_EQ(std::string(text, n), "tail!");
 }
 
 }  // namespace

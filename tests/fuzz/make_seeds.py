@@ -5,6 +5,7 @@ Each seed is the target's choice bytes followed by a valid text or file."""
 import base64
 import binascii
 import bz2
+import hashlib
 import lzma
 import os
 import quopri
@@ -121,6 +122,21 @@ def data_seeds(samples):
                   bytes([decoder, len(text)]) + text + pieces)
 
 
+def compare_seeds():
+    """Options (three bytes), which text is given, then the text."""
+    abc = b"abc"
+    digests = [hashlib.md5(abc).hexdigest(), hashlib.sha1(abc).hexdigest(),
+               hashlib.sha256(abc).hexdigest()]
+    for n, digest in enumerate(digests):
+        for m, text in enumerate([digest, "0x" + digest.upper(), "&H" + digest, "  " + digest,
+                                  digest[:-1]]):
+            write("compare_files_fuzz", "d%d_%d" % (n, m), b"\x00\x00\x00\x01" + text.encode())
+    for options in (1, 2, 4, 7, 256, 512, 1024, 1280):
+        write("compare_files_fuzz", "o%d" % options,
+              struct.pack("<H", options) + b"\x00\x05" + digests[2].encode())
+    write("compare_files_fuzz", "path", b"\x01\x00\x00\x02%TMP%/x. ")
+
+
 def main():
     rng = random.Random(1)
     samples = [b"", b"a", b"hello world\r\n" * 20, bytes(range(256)) * 3,
@@ -143,6 +159,7 @@ def main():
         write("expand_file_fuzz", "lzma%d" % n, b"\x03" + alone)
         write("expand_file_fuzz", "detect%d" % n, b"\x00" + zlib.compress(data))
     data_seeds(samples)
+    compare_seeds()
 
 
 if __name__ == "__main__":
