@@ -26,9 +26,10 @@ demo-engine: native
 
 bench: bootstrap
 	@$(CMAKE) -S . -B $(BUILD)/bench -DCMAKE_BUILD_TYPE=Release -DFE_BENCH=ON >/dev/null
-	@cmake --build $(BUILD)/bench -j$(JOBS) --target codec_bench file_bench
+	@cmake --build $(BUILD)/bench -j$(JOBS) --target codec_bench file_bench secure_bench
 	@$(BUILD)/bench/bench/codec_bench --benchmark_counters_tabular=true
 	@$(BUILD)/bench/bench/file_bench
+	@$(BUILD)/bench/bench/secure_bench
 
 fuzz-smoke: fuzz
 	@scripts/run-suites.sh $(BUILD) $(FUZZ_SECONDS) fuzz

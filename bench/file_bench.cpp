@@ -1,7 +1,6 @@
 // Throughput of the file operations on one large file (256 MiB unless
 // FE_BENCH_FILE_MB says otherwise), each beside the same work done by an
 // independent tool on the same file. Rates are of the original file's size.
-#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
@@ -10,21 +9,13 @@
 #include <string>
 #include <vector>
 
+#include "bench_support.h"
 #include "file_encoder.h"
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
-
-double SecondsOf(const std::function<bool()>& work, bool* ok) {
-  const auto start = Clock::now();
-  *ok = work();
-  return std::chrono::duration<double>(Clock::now() - start).count();
-}
-
-bool Tool(const std::string& command) {
-  return std::system(command.c_str()) == 0;
-}
+using fe::bench::SecondsOf;
+using fe::bench::Tool;
 
 void Row(const char* what, double megabytes, const std::function<bool()>& ours,
          const std::string& tool) {
