@@ -68,9 +68,28 @@ WScript.Echo "CompressFile with bzip2: Error " & e & ", " & fso.GetFile(original
 fe.ExpandFile folder & "\fileencoder-demo.bz2", folder & "\fileencoder-demo.out", 0, e   ' detect
 WScript.Echo "ExpandFile with detection: Error " & e & ", same text: " & _
   (fso.OpenTextFile(folder & "\fileencoder-demo.out").ReadAll = text)
+fe.EncryptFile original, folder & "\fileencoder-demo.enc", "file password", e
+fe.DecryptFile folder & "\fileencoder-demo.enc", folder & "\fileencoder-demo.dec", _
+  "file password", e
+WScript.Echo "EncryptFile/DecryptFile: Error " & e & ", " & _
+  fso.GetFile(folder & "\fileencoder-demo.enc").Size & " bytes encrypted"
+fe.CompareFile original, folder & "\fileencoder-demo.dec", , , e
+WScript.Echo "CompareFile of the decrypted copy: Error " & e
+fe.CompareFile original, folder & "\fileencoder-demo.enc", , , e
+WScript.Echo "CompareFile of the encrypted file: Error " & e & " (" & fe.LastErrorString & ")"
 fe.CompressFile folder & "\no-such-file.txt", folder & "\x.z", , , e
 WScript.Echo "CompressFile of a missing file: Error " & e & " (" & fe.LastErrorString & ")"
 fso.DeleteFile folder & "\fileencoder-demo.*"
+WScript.Echo ""
+
+'' --- Identifiers ----------------------------------------------------------
+Dim id
+fe.CreateUuid7 id
+WScript.Echo "CreateUuid7: " & id
+fe.CreateUuid8 &H12345678, id
+WScript.Echo "CreateUuid8 with a custom value: " & id
+fe.CreateToken 256, 7, id
+WScript.Echo "CreateToken of 256 bits in Base32: " & id
 WScript.Echo ""
 
 ' --- Errors ---------------------------------------------------------------

@@ -55,6 +55,25 @@ TEST_F(FileCipher, FiveThousandBytesGiveTheBufferCiphertext) {
   EXPECT_EQ(temporary_.Count(), 0u);
 }
 
+// The known answer was computed with the OpenSSL command line (AES-256-CBC,
+// zero IV, key = SHA-256 of the identifier and the password); it holds on
+// the Windows build too, where CryptoAPI does the work, so files move
+// between the two builds and OpenSSL in both directions.
+TEST_F(FileCipher, KnownAnswerSharedWithOpenssl) {
+  Bytes pattern(10000);
+  for (size_t i = 0; i < pattern.size(); ++i)
+    pattern[i] = static_cast<uint8_t>(i * 7);
+  const std::string in = folder_.Write("pattern", pattern);
+  const std::string out = folder_.Path("pattern.enc");
+  ASSERT_TRUE(EncryptFileData("known answer", in.c_str(), out.c_str()));
+  EXPECT_EQ(TempFolder::Read(out).size(), 10000u + 16);
+  char digest[65];
+  ASSERT_EQ(GetFileDigestSHA256(out.c_str(), digest), 64);
+  EXPECT_STREQ(digest, "C893E56E21809D0F03C241D25F70A8040FAC9A7EDEF9A4E0C612F40C40AAD628");
+  ASSERT_TRUE(DecryptFileData("known answer", out.c_str(), out.c_str()));
+  EXPECT_EQ(TempFolder::Read(out), pattern);
+}
+
 TEST_F(FileCipher, MultipleOf4096GetsTheFinalFlagOnTheLastFullChunk) {
   for (size_t size : {4096u, 8192u, 3u * 4096u}) {
     const Bytes plain = RandomBytes(size, static_cast<uint32_t>(size));

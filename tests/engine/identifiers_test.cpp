@@ -156,6 +156,12 @@ TEST(Token, EveryStrengthAndEncodingFits) {
   }
 }
 
+TEST(Token, Base58StrengthsAtTheLimits) {
+  uint8_t bytes[600];
+  EXPECT_EQ(Base58Decode(Token(5000, 6).c_str(), bytes, sizeof bytes), 512);
+  EXPECT_EQ(Base58Decode(Token(1, 6).c_str(), bytes, sizeof bytes), 8);
+}
+
 TEST(Token, OnlyFourEncodingsAreAllowed) {
   for (int32_t encoding : {2, 3, 4, 5, 9, 10, -1, 65536 + 1, 65536 + 6}) {
     EngineSetLastError(0);
