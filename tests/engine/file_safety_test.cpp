@@ -373,6 +373,27 @@ TEST_F(FileSafety, ReadOnlySourceFolderReportsAccessDenied) {
   EXPECT_EQ(TempFolder::Read(path), data);
 }
 
+TEST_F(FileSafety, YencOnAFullDiskOrReadOnlyFolderLeavesTheCodeAndNoOutput) {
+  SmallMount disk(256);
+  REQUIRE_MOUNT(disk);
+  const std::string in = folder_.Write("in.bin", RandomBytes(600000, 15));
+  const std::string encoded = folder_.Path("in.yenc");
+  ASSERT_TRUE(YencodeFile(in.c_str(), encoded.c_str()));
+  disk.Fill();
+  EngineSetLastError(0);
+  EXPECT_FALSE(YencodeFile(in.c_str(), disk.Path("out.yenc").c_str()));
+  EXPECT_EQ(EngineGetLastError(), 112u);
+  EXPECT_FALSE(TempFolder::Exists(disk.Path("out.yenc")));
+  EngineSetLastError(0);
+  EXPECT_FALSE(YdecodeFile(encoded.c_str(), disk.Path("out.bin").c_str()));
+  EXPECT_EQ(EngineGetLastError(), 112u);
+  EXPECT_FALSE(TempFolder::Exists(disk.Path("out.bin")));
+  if (!disk.MakeReadOnly()) GTEST_SKIP() << "cannot remount read-only here";
+  EngineSetLastError(0);
+  EXPECT_FALSE(YencodeFile(in.c_str(), disk.Path("ro.yenc").c_str()));
+  EXPECT_EQ(EngineGetLastError(), 5u);
+}
+
 // Another program changes the source while it is being compressed in place:
 // renames its own file over it, or appends to it. Its data must win.
 class ChangedDuringTheCall : public FileSafety {
