@@ -32,9 +32,15 @@ void Row(const char* what, double megabytes, const std::function<bool()>& ours,
     theirs = std::min(theirs, SecondsOf([&] { return Tool(tool); }, &done));
     theirsOk &= done;
   }
+  // The key's shell expansion is long and says nothing: shown as "...".
+  std::string shown = tool;
+  const size_t key = shown.find(" -K "), input = shown.find(" -in ");
+  if (key != std::string::npos && input != std::string::npos) {
+    shown.replace(key, input - key, " ...");
+  }
   std::printf("%-22s %8.1f MB/s%s  %8.1f MB/s%s  ratio %.2f  %s\n", what, megabytes / mine,
               ok ? "" : " (FAILED)", megabytes / theirs, theirsOk ? "" : " (FAILED)", theirs / mine,
-              tool.c_str());
+              shown.c_str());
   std::fflush(stdout);
 }
 
