@@ -235,15 +235,6 @@ STDMETHODIMP CFileEncoder::FilterUnicode(VARIANT, VARIANT*) {
 STDMETHODIMP CFileEncoder::IsConfusable(VARIANT, VARIANT*) {
   return E_NOTIMPL;
 }
-STDMETHODIMP CFileEncoder::IsValidUtf8(VARIANT, VARIANT*) {
-  return E_NOTIMPL;
-}
-STDMETHODIMP CFileEncoder::StrToUtf8(VARIANT, VARIANT*) {
-  return E_NOTIMPL;
-}
-STDMETHODIMP CFileEncoder::Utf8ToStr(VARIANT, VARIANT*) {
-  return E_NOTIMPL;
-}
 STDMETHODIMP CFileEncoder::ConvertFile(VARIANT, VARIANT, VARIANT, VARIANT, VARIANT, VARIANT*) {
   return E_NOTIMPL;
 }

@@ -19,6 +19,7 @@ TEST(CrossCheck, NeedsTheLinuxTools) {
 
 #include <cstdio>
 #include <fstream>
+#include <random>
 #include <string>
 
 namespace fe::test {
@@ -307,6 +308,41 @@ TEST(CrossCheck, FileDigestsAgainstCoreutils) {
       ASSERT_GT(digest.ours(path.c_str(), ours), 0);
       EXPECT_EQ(std::string(ours), text) << digest.tool << " " << size;
     }
+  }
+}
+
+TEST(CrossCheck, Utf8ValidationAgainstPythonStrictDecoding) {
+  // Sequences of random bytes with a bias to UTF-8 lead and continuation
+  // bytes, each given to Python as one line of hexadecimal.
+  std::mt19937 random(11);
+  std::vector<Bytes> sequences;
+  std::string lines;
+  for (int i = 0; i < 50000; ++i) {
+    Bytes bytes(1 + random() % 12);
+    for (auto& b : bytes) {
+      const uint32_t r = random();
+      b = static_cast<uint8_t>(r % 4 == 0 ? 0x20 + r % 0x60 : 0x80 + (r >> 8) % 0x80);
+    }
+    sequences.push_back(bytes);
+    for (uint8_t b : bytes) {
+      lines += "0123456789abcdef"[b >> 4];
+      lines += "0123456789abcdef"[b & 15];
+    }
+    lines += '\n';
+  }
+  // Python's strict decoder after the same byte-order-mark rule: with
+  // surrogateescape every invalid byte shows as a lone surrogate, which
+  // well-formed UTF-8 can never produce.
+  const Bytes verdicts = Python(
+      "bytes(48 + all(not '\\udc80' <= c <= '\\udcff' for c in (lambda b: b[3:] "
+      "if b[:3] == b'\\xef\\xbb\\xbf' else b)(bytes.fromhex(line)).decode('utf-8', "
+      "'surrogateescape')) for line in data.decode().split())",
+      Bytes(lines.begin(), lines.end()));
+  ASSERT_EQ(verdicts.size(), sequences.size());
+  for (size_t i = 0; i < sequences.size(); ++i) {
+    const bool ours =
+        Utf8Validate(sequences[i].data(), static_cast<int32_t>(sequences[i].size())) != 0;
+    ASSERT_EQ(ours, verdicts[i] == '1') << i;
   }
 }
 

@@ -137,6 +137,15 @@ def compare_seeds():
     write("compare_files_fuzz", "path", b"\x01\x00\x00\x02%TMP%/x. ")
 
 
+def utf8_seeds():
+    texts = ["plain ASCII", "caf\u00e9 \u20ac \U0001F600", "\ufeffwith a mark", "\u65e5\u672c\u8a9e"]
+    for n, text in enumerate(texts):
+        write("utf8_validate_fuzz", "valid%d" % n, text.encode())
+    for n, bad in enumerate([b"\xc0\xaf", b"\xed\xa0\x80", b"\xf4\x90\x80\x80", b"\xe2\x82",
+                             b"A\x00\xff", b"\xef\xbb\xbf"]):
+        write("utf8_validate_fuzz", "edge%d" % n, bad)
+
+
 def main():
     rng = random.Random(1)
     samples = [b"", b"a", b"hello world\r\n" * 20, bytes(range(256)) * 3,
@@ -160,6 +169,7 @@ def main():
         write("expand_file_fuzz", "detect%d" % n, b"\x00" + zlib.compress(data))
     data_seeds(samples)
     compare_seeds()
+    utf8_seeds()
 
 
 if __name__ == "__main__":

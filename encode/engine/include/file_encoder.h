@@ -365,6 +365,14 @@ FE_API int32_t FormatUuid(const EncoderUuid* record, char* output);
  * output (at least 1025 characters). Returns its length, 0 on failure. */
 FE_API int32_t CreateTokenText(int32_t bitLength, int32_t encodingType, char* output);
 
+/* ---- UTF-8 ---- */
+
+/* Whether bytes are well-formed UTF-8, judged up to the first zero byte
+ * (count < 0: up to it in any case) after an optional byte-order mark.
+ * Non-zero when valid (last error 0); else last error 13 when invalid, 4306
+ * when nothing is left to check, 87 for null bytes. */
+FE_API int Utf8Validate(const uint8_t* bytes, int32_t count);
+
 #ifdef __cplusplus
 }
 #endif

@@ -1,0 +1,116 @@
+// Utf8Validate: the automaton's verdicts, the zero-byte stop, the
+// byte-order mark, the codes, and the ASCII fast path against a plain
+// byte-at-a-time reference of the same automaton.
+#include <gtest/gtest.h>
+
+#include <random>
+
+#include "test_support.h"
+
+namespace fe::test {
+namespace {
+
+bool Valid(const Bytes& bytes) {
+  return Utf8Validate(bytes.data(), static_cast<int32_t>(bytes.size())) != 0;
+}
+
+// The decoder as written out in full: the code point each sequence makes
+// is checked against the ranges UTF-8 allows.
+bool Reference(const Bytes& bytes) {
+  size_t n = 0;
+  while (n < bytes.size() && bytes[n] != 0)
+    ++n;
+  size_t at = n >= 3 && bytes[0] == 0xEF && bytes[1] == 0xBB && bytes[2] == 0xBF ? 3 : 0;
+  while (at < n) {
+    const uint8_t lead = bytes[at];
+    int extra;
+    uint32_t point;
+    if (lead < 0x80) {
+      ++at;
+      continue;
+    } else if (lead >= 0xC2 && lead <= 0xDF) {
+      extra = 1, point = lead & 0x1F;
+    } else if (lead >= 0xE0 && lead <= 0xEF) {
+      extra = 2, point = lead & 0x0F;
+    } else if (lead >= 0xF0 && lead <= 0xF4) {
+      extra = 3, point = lead & 0x07;
+    } else {
+      return false;
+    }
+    if (at + static_cast<size_t>(extra) >= n) return false;  // truncated
+    for (int i = 1; i <= extra; ++i) {
+      const uint8_t next = bytes[at + static_cast<size_t>(i)];
+      if ((next & 0xC0) != 0x80) return false;
+      point = point << 6 | (next & 0x3F);
+    }
+    static const uint32_t kSmallest[4] = {0, 0x80, 0x800, 0x10000};
+    if (point < kSmallest[extra] || point > 0x10FFFF || (point >= 0xD800 && point <= 0xDFFF)) {
+      return false;
+    }
+    at += static_cast<size_t>(extra) + 1;
+  }
+  return n > 0;
+}
+
+TEST(Utf8Validate, WellFormedAndMalformedSequences) {
+  EXPECT_TRUE(Valid({0xC3, 0xA9}));
+  EXPECT_EQ(EngineGetLastError(), 0u);
+  EXPECT_FALSE(Valid({0xC0, 0xAF}));  // overlong
+  EXPECT_EQ(EngineGetLastError(), 13u);
+  EXPECT_FALSE(Valid({0xED, 0xA0, 0x80}));        // surrogate
+  EXPECT_FALSE(Valid({0xF4, 0x90, 0x80, 0x80}));  // above U+10FFFF
+  EXPECT_FALSE(Valid({0xE2, 0x82}));              // truncated
+  EXPECT_FALSE(Valid({0x80}));                    // stray continuation
+  EXPECT_TRUE(Valid({0xF0, 0x9F, 0x98, 0x80}));
+  EXPECT_TRUE(Valid({0xF4, 0x8F, 0xBF, 0xBF}));
+  EXPECT_TRUE(Valid({0xED, 0x9F, 0xBF}));
+  EXPECT_FALSE(Valid({0xE0, 0x9F, 0xBF}));
+}
+
+TEST(Utf8Validate, StopsAtTheFirstZeroByte) {
+  EXPECT_TRUE(Valid({0x41, 0x00, 0xFF}));
+  EngineSetLastError(0);
+  EXPECT_FALSE(Valid({0x00, 0x41}));
+  EXPECT_EQ(EngineGetLastError(), 4306u);
+  const uint8_t text[] = "caf\xc3\xa9";
+  EXPECT_TRUE(Utf8Validate(text, -1));
+  EXPECT_FALSE(Utf8Validate(text, 4));  // cut inside the last character
+}
+
+TEST(Utf8Validate, ByteOrderMark) {
+  EXPECT_TRUE(Valid({0xEF, 0xBB, 0xBF}));
+  EXPECT_TRUE(Valid({0xEF, 0xBB, 0xBF, 0x41}));
+  EXPECT_FALSE(Valid({0xEF, 0xBB}));
+}
+
+TEST(Utf8Validate, NothingToCheckAndNullBytes) {
+  const uint8_t byte = 0x41;
+  EngineSetLastError(0);
+  EXPECT_FALSE(Utf8Validate(&byte, 0));
+  EXPECT_EQ(EngineGetLastError(), 4306u);
+  EXPECT_FALSE(Utf8Validate(nullptr, 5));
+  EXPECT_EQ(EngineGetLastError(), 87u);
+}
+
+TEST(Utf8Validate, AgreesWithTheReferenceOnRandomAndMutatedText) {
+  std::mt19937 random(7);
+  const std::string sample =
+      "plain ASCII text, caf\xc3\xa9, \xe2\x82\xac, \xf0\x9f\x98\x80 and more";
+  for (int round = 0; round < 200000; ++round) {
+    Bytes bytes;
+    const int kind = round % 3;
+    if (kind == 0) {
+      bytes.resize(random() % 24);
+      for (auto& b : bytes)
+        b = static_cast<uint8_t>(random());
+    } else {
+      bytes.assign(sample.begin(), sample.end());
+      for (int m = 0; m < 1 + kind; ++m)
+        bytes[random() % bytes.size()] = static_cast<uint8_t>(0x80 + random() % 0x80);
+    }
+    ASSERT_EQ(Valid(bytes), Reference(bytes)) << round;
+  }
+}
+
+}  // namespace
+}  // namespace fe::test
