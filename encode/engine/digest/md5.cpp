@@ -2,6 +2,7 @@
 #include <cstring>
 
 #include "digest/hash.h"
+#include "digest/word_bits.h"
 
 namespace fe::digest {
 
@@ -17,20 +18,12 @@ constexpr uint32_t kSine[64] = {
     0xf4292244, 0x432aff97, 0xab9423a7, 0xfc93a039, 0x655b59c3, 0x8f0ccc92, 0xffeff47d, 0x85845dd1,
     0x6fa87e4f, 0xfe2ce6e0, 0xa3014314, 0x4e0811a1, 0xf7537e82, 0xbd3af235, 0x2ad7d2bb, 0xeb86d391};
 
-inline uint32_t Rotate(uint32_t x, int n) {
-  return (x << n) | (x >> (32 - n));
-}
-
-inline uint32_t LoadLittle(const uint8_t* p) {
-  return uint32_t{p[0]} | uint32_t{p[1]} << 8 | uint32_t{p[2]} << 16 | uint32_t{p[3]} << 24;
+// One step: a = b + ((a + f + x + k) <<< s).
+inline void Step(uint32_t& a, uint32_t b, uint32_t f, uint32_t x, uint32_t k, int s) {
+  a = b + RotateLeft(a + f + x + k, s);
 }
 
 }  // namespace
-
-// One step: a = b + ((a + f + x + k) <<< s).
-inline void Step(uint32_t& a, uint32_t b, uint32_t f, uint32_t x, uint32_t k, int s) {
-  a = b + Rotate(a + f + x + k, s);
-}
 
 void Md5Blocks(uint32_t* state, const uint8_t* blocks, size_t count) {
   for (; count > 0; --count, blocks += 64) {

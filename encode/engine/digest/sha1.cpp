@@ -1,20 +1,9 @@
 // SHA-1 (FIPS 180-4, 6.1): eighty rounds over big-endian words, the
 // schedule kept in a sixteen-word ring.
 #include "digest/hash.h"
+#include "digest/word_bits.h"
 
 namespace fe::digest {
-
-namespace {
-
-inline uint32_t Rotate(uint32_t x, int n) {
-  return (x << n) | (x >> (32 - n));
-}
-
-inline uint32_t LoadBig(const uint8_t* p) {
-  return uint32_t{p[0]} << 24 | uint32_t{p[1]} << 16 | uint32_t{p[2]} << 8 | uint32_t{p[3]};
-}
-
-}  // namespace
 
 void Sha1Blocks(uint32_t* state, const uint8_t* blocks, size_t count) {
   for (; count > 0; --count, blocks += 64) {
@@ -24,7 +13,7 @@ void Sha1Blocks(uint32_t* state, const uint8_t* blocks, size_t count) {
     uint32_t a = state[0], b = state[1], c = state[2], d = state[3], e = state[4];
     for (int t = 0; t < 80; ++t) {
       if (t >= 16) {
-        w[t % 16] = Rotate(w[(t - 3) % 16] ^ w[(t - 8) % 16] ^ w[(t - 14) % 16] ^ w[t % 16], 1);
+        w[t % 16] = RotateLeft(w[(t - 3) % 16] ^ w[(t - 8) % 16] ^ w[(t - 14) % 16] ^ w[t % 16], 1);
       }
       uint32_t f, k;
       if (t < 20) {
@@ -40,10 +29,10 @@ void Sha1Blocks(uint32_t* state, const uint8_t* blocks, size_t count) {
         f = b ^ c ^ d;
         k = 0xca62c1d6;
       }
-      const uint32_t next = Rotate(a, 5) + f + e + k + w[t % 16];
+      const uint32_t next = RotateLeft(a, 5) + f + e + k + w[t % 16];
       e = d;
       d = c;
-      c = Rotate(b, 30);
+      c = RotateLeft(b, 30);
       b = a;
       a = next;
     }

@@ -1,20 +1,9 @@
 // SHA-256 (FIPS 180-4, 6.2): sixty-four rounds over big-endian words.
 #include "digest/hash.h"
 #include "digest/sha256_constants.h"
+#include "digest/word_bits.h"
 
 namespace fe::digest {
-
-namespace {
-
-inline uint32_t RotateRight(uint32_t x, int n) {
-  return (x >> n) | (x << (32 - n));
-}
-
-inline uint32_t LoadBig(const uint8_t* p) {
-  return uint32_t{p[0]} << 24 | uint32_t{p[1]} << 16 | uint32_t{p[2]} << 8 | uint32_t{p[3]};
-}
-
-}  // namespace
 
 void Sha256Blocks(uint32_t* state, const uint8_t* blocks, size_t count) {
   for (; count > 0; --count, blocks += 64) {

@@ -7,21 +7,6 @@ If Not fso.FolderExists(folder) Then fso.CreateFolder folder
 source = folder & "\source.txt"
 text = "The quick brown fox jumps over the lazy dog. The quick brown fox jumps again."
 
-Sub WriteText(path, content)
-  Dim stream
-  Set stream = fso.CreateTextFile(path, True)
-  stream.Write content
-  stream.Close
-End Sub
-
-Function ReadText(path)
-  If fso.FileExists(path) Then
-    ReadText = fso.OpenTextFile(path).ReadAll
-  Else
-    ReadText = "<missing>"
-  End If
-End Function
-
 WriteText source, text
 
 ' EncodeFile with the Encoding property as the default.

@@ -6,22 +6,6 @@ Set fso = CreateObject("Scripting.FileSystemObject")
 folder = fso.GetSpecialFolder(2) & "\fe_script_secure"
 If Not fso.FolderExists(folder) Then fso.CreateFolder folder
 
-Sub WriteText(path, content)
-  Dim stream
-  If fso.FileExists(path) Then fso.GetFile(path).Attributes = 0
-  Set stream = fso.CreateTextFile(path, True)
-  stream.Write content
-  stream.Close
-End Sub
-
-Function ReadText(path)
-  If fso.FileExists(path) Then
-    ReadText = fso.OpenTextFile(path).ReadAll
-  Else
-    ReadText = "<missing>"
-  End If
-End Function
-
 Dim plain, cipher, back, text, i
 plain = folder & "\plain.txt"
 cipher = folder & "\plain.enc"

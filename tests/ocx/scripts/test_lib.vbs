@@ -40,6 +40,27 @@ Sub Summary()
   WScript.Quit failed
 End Sub
 
+' Writes a text file (clearing a read-only attribute first) and reads one
+' back ("<missing>" when it does not exist).
+Sub WriteText(path, content)
+  Dim files, stream
+  Set files = CreateObject("Scripting.FileSystemObject")
+  If files.FileExists(path) Then files.GetFile(path).Attributes = 0
+  Set stream = files.CreateTextFile(path, True)
+  stream.Write content
+  stream.Close
+End Sub
+
+Function ReadText(path)
+  Dim files
+  Set files = CreateObject("Scripting.FileSystemObject")
+  If files.FileExists(path) Then
+    ReadText = files.OpenTextFile(path).ReadAll
+  Else
+    ReadText = "<missing>"
+  End If
+End Function
+
 Function NewEncoder()
   Set NewEncoder = CreateObject("Orvane.FileEncoder")
 End Function
