@@ -10,13 +10,6 @@ namespace {
 
 constexpr HRESULT kTypeMismatch = static_cast<HRESULT>(0x80020005);  // DISP_E_TYPEMISMATCH
 
-// A platform code as the HRESULT the conversions return.
-HRESULT FromPlatformError(DWORD code) {
-  const auto value = static_cast<LONG>(code);
-  return value <= 0 ? static_cast<HRESULT>(value)
-                    : static_cast<HRESULT>(0x80070000 | (code & 0xFFFF));
-}
-
 // The byte array an argument holds: directly, by reference, or inside a
 // by-reference variant; null for anything else.
 SAFEARRAY* ByteArrayOf(const VARIANT& value) {
@@ -86,7 +79,7 @@ STDMETHODIMP CFileEncoder::StrToUtf8(VARIANT InputText, VARIANT* Result) {
     // An unpaired surrogate has no UTF-8 form and fails the call.
     size = ::WideCharToMultiByte(CP_UTF8, WC_ERR_INVALID_CHARS, text, length, nullptr, 0, nullptr,
                                  nullptr);
-    if (size <= 0) return FromPlatformError(::GetLastError());
+    if (size <= 0) return HRESULT_FROM_WIN32(::GetLastError());
   }
   SAFEARRAY* array = ::SafeArrayCreateVector(VT_UI1, 0, static_cast<ULONG>(size));
   if (array == nullptr) return static_cast<HRESULT>(0x8007000E);
@@ -131,7 +124,7 @@ STDMETHODIMP CFileEncoder::Utf8ToStr(VARIANT InputBytes, VARIANT* Result) {
     const int length = static_cast<int>(bytes.size());
     const int size =
         ::MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, bytes.data(), length, nullptr, 0);
-    if (size <= 0) return FromPlatformError(::GetLastError());
+    if (size <= 0) return HRESULT_FROM_WIN32(::GetLastError());
     wide.resize(static_cast<size_t>(size));
     if (::MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, bytes.data(), length, wide.data(),
                               size) != size) {

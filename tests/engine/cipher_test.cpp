@@ -12,16 +12,6 @@
 namespace fe::test {
 namespace {
 
-std::string Hex(const uint8_t* data, size_t size) {
-  static const char digits[] = "0123456789abcdef";
-  std::string text;
-  for (size_t i = 0; i < size; ++i) {
-    text += digits[data[i] >> 4];
-    text += digits[data[i] & 15];
-  }
-  return text;
-}
-
 Bytes Encrypt(const char* password, const Bytes& plain, uint32_t capacity, bool* ok = nullptr) {
   Bytes out(capacity + 1);
   uint32_t length = capacity;

@@ -324,11 +324,7 @@ TEST(CrossCheck, Utf8ValidationAgainstPythonStrictDecoding) {
       b = static_cast<uint8_t>(r % 4 == 0 ? 0x20 + r % 0x60 : 0x80 + (r >> 8) % 0x80);
     }
     sequences.push_back(bytes);
-    for (uint8_t b : bytes) {
-      lines += "0123456789abcdef"[b >> 4];
-      lines += "0123456789abcdef"[b & 15];
-    }
-    lines += '\n';
+    lines += Hex(bytes.data(), bytes.size()) + '\n';
   }
   // Python's strict decoder after the same byte-order-mark rule: with
   // surrogateescape every invalid byte shows as a lone surrogate, which

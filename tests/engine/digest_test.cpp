@@ -18,14 +18,7 @@ std::string HexOf(HashKind kind, const std::string& message, digest::BlockFuncti
   Hash hash(kind, blocks);
   hash.Update(message.data(), message.size());
   uint8_t out[Hash::kMaxDigestSize];
-  const size_t size = hash.Finish(out);
-  static const char digits[] = "0123456789abcdef";
-  std::string text;
-  for (size_t i = 0; i < size; ++i) {
-    text += digits[out[i] >> 4];
-    text += digits[out[i] & 15];
-  }
-  return text;
+  return Hex(out, hash.Finish(out));
 }
 
 std::string HexOf(HashKind kind, const std::string& message) {
@@ -97,13 +90,7 @@ TEST(Hash, PiecesGiveTheDigestOfTheWhole) {
       for (size_t at = 0; at < data.size(); at += piece)
         hash.Update(data.data() + at, std::min(piece, data.size() - at));
       uint8_t out[Hash::kMaxDigestSize];
-      const size_t size = hash.Finish(out);
-      std::string text;
-      for (size_t i = 0; i < size; ++i) {
-        text += "0123456789abcdef"[out[i] >> 4];
-        text += "0123456789abcdef"[out[i] & 15];
-      }
-      EXPECT_EQ(text, whole) << piece;
+      EXPECT_EQ(Hex(out, hash.Finish(out)), whole) << piece;
     }
   }
 }

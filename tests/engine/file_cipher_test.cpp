@@ -3,7 +3,9 @@
 #include <gtest/gtest.h>
 
 #ifndef _WIN32
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 #endif
 
 #include <filesystem>
@@ -183,6 +185,26 @@ TEST_F(FileCipher, MissingTemporaryFolderFallsBackOrFails) {
   EXPECT_EQ(EngineGetLastError(), 2u);
   EXPECT_EQ(ToString(TempFolder::Read(out)), "old");
 }
+
+#ifndef _WIN32
+// An input that cannot be opened leaves the empty temporary file behind, as
+// callers of earlier versions have always seen; the output stays.
+TEST_F(FileCipher, InputThatCannotBeOpenedLeavesItsTemporaryFile) {
+  const std::string in = folder_.Write("in", ToBytes("locked"));
+  const std::string out = folder_.Write("out", ToBytes("old"));
+  // Another program holds the input unshared, as a create open would.
+  const int fd = ::open(in.c_str(), O_RDWR);
+  struct flock lock = {};
+  lock.l_type = F_WRLCK;
+  ASSERT_EQ(::fcntl(fd, F_OFD_SETLK, &lock), 0);
+  EngineSetLastError(0);
+  EXPECT_FALSE(EncryptFileData("pw", in.c_str(), out.c_str()));
+  EXPECT_EQ(EngineGetLastError(), 32u);
+  ::close(fd);
+  EXPECT_EQ(ToString(TempFolder::Read(out)), "old");
+  EXPECT_EQ(temporary_.Count(), 1u);
+}
+#endif
 
 TEST_F(FileCipher, ExistingOutputIsReplacedWholeKeepingItsPermissions) {
   const Bytes plain = RandomBytes(6000, 5);

@@ -106,11 +106,7 @@ TEST(LargeFiles, EncryptionPastFourGibibytes) {
   in.read(reinterpret_cast<char*>(last.data()), 32);
   std::remove(source.c_str());
   std::remove(cipher.c_str());
-  std::string chaining;
-  for (size_t i = 0; i < 16; ++i) {
-    chaining += "0123456789abcdef"[last[i] >> 4];
-    chaining += "0123456789abcdef"[last[i] & 15];
-  }
+  const std::string chaining = Hex(last.data(), 16);
   const std::string block = folder.Write("last", Bytes(last.begin() + 16, last.end()));
   const std::string command = "openssl enc -d -aes-256-cbc -iv " + chaining +
                               " -K $(/usr/bin/python3 -c \"import hashlib; print(hashlib.sha256("

@@ -28,6 +28,17 @@ inline std::string ToString(const Bytes& bytes) {
   return std::string(bytes.begin(), bytes.end());
 }
 
+// Lower-case hexadecimal text of bytes.
+inline std::string Hex(const uint8_t* data, size_t size) {
+  static const char digits[] = "0123456789abcdef";
+  std::string text;
+  for (size_t i = 0; i < size; ++i) {
+    text += digits[data[i] >> 4];
+    text += digits[data[i] & 15];
+  }
+  return text;
+}
+
 inline std::string ToString(const char* data, int32_t length) {
   return length < 0 ? std::string() : std::string(data, static_cast<size_t>(length));
 }

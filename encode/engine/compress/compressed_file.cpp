@@ -10,7 +10,6 @@ namespace fe::compress {
 
 namespace {
 
-constexpr uint32_t kErrorBadFileType = 222;  // ERROR_BAD_FILE_TYPE
 
 // Windows compares paths without regard to case (lstrcmpiA); Linux file
 // systems are case-sensitive, so there the comparison is exact.

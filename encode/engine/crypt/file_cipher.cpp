@@ -21,7 +21,6 @@ namespace {
 constexpr uint32_t kChunkSize = 4096;
 // Encryption needs room for the padding block after the last chunk.
 constexpr uint32_t kEncryptWorkSize = kChunkSize + 128;
-constexpr uint32_t kBadFileType = 222;  // ERROR_BAD_FILE_TYPE
 constexpr uint32_t kMaxPath = 260;
 constexpr uint32_t kAttributeReadOnly = 0x01;
 
@@ -51,7 +50,7 @@ struct OutputBefore {
 bool CheckOutput(const char* output, OutputBefore* before) {
   const uint32_t attributes = platform::FileAttributes(output);
   if (attributes == platform::kNoAttributes) return true;  // a new file
-  if (IsDirectoryOrDevice(attributes)) return Fail(kBadFileType);
+  if (IsDirectoryOrDevice(attributes)) return Fail(kErrorBadFileType);
   if (attributes & kAttributeReadOnly) return Fail(kErrorAccessDenied);
   before->exists = platform::IdentifyPath(output, &before->identity);
   return true;
@@ -115,7 +114,7 @@ bool RunFileCipher(bool encrypt, const char* password, const char* inputPath,
   if (!UsablePath(inputPath) || !UsablePath(outputPath)) return Fail(kErrorInvalidName);
   const uint32_t attributes = platform::FileAttributes(inputPath);
   if (attributes == platform::kNoAttributes) return false;
-  if (IsDirectoryOrDevice(attributes)) return Fail(kBadFileType);
+  if (IsDirectoryOrDevice(attributes)) return Fail(kErrorBadFileType);
   OutputBefore before;
   if (!CheckOutput(outputPath, &before)) return false;
   std::string temporary;

@@ -7,6 +7,7 @@
 #include <cstring>
 #include <string>
 
+#include "codecs/hex_digits.h"
 #include "digest/file_digest.h"
 #include "errors/last_error.h"
 #include "file_encoder.h"
@@ -75,7 +76,7 @@ bool PrepareDigest(const char* given, std::string* digest) {
     length -= 2;
   }
   for (size_t i = 0; i < length; ++i) {
-    if (!std::isxdigit(static_cast<unsigned char>(given[i]))) {
+    if (codecs::kHexValue[static_cast<unsigned char>(given[i])] == codecs::kNotHex) {
       return Fail(ovErrorInvalidDigestValue);
     }
   }

@@ -4,6 +4,7 @@
 
 #include <array>
 
+#include "codecs/hex_digits.h"
 #include "digest/hash.h"
 #include "errors/last_error.h"
 #include "file_encoder.h"
@@ -35,11 +36,8 @@ int32_t DigestFile(HashKind kind, const char* path, char* output) {
   const size_t size = hash.Finish(digest);
   // SHA-1's five words printed "%08X" each give the same text as its bytes
   // in order, so one form serves all three.
-  static constexpr char kDigits[] = "0123456789ABCDEF";
-  for (size_t i = 0; i < size; ++i) {
-    output[2 * i] = kDigits[digest[i] >> 4];
-    output[2 * i + 1] = kDigits[digest[i] & 15];
-  }
+  for (size_t i = 0; i < size; ++i)
+    codecs::PutHexByte(digest[i], output + 2 * i);
   output[2 * size] = '\0';
   return static_cast<int32_t>(2 * size);
 }

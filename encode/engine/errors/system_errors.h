@@ -17,6 +17,7 @@ inline constexpr uint32_t kErrorFileExists = 80;
 inline constexpr uint32_t kErrorInvalidParameter = 87;
 inline constexpr uint32_t kErrorInsufficientBuffer = 122;
 inline constexpr uint32_t kErrorInvalidName = 123;
+inline constexpr uint32_t kErrorBadFileType = 222;
 inline constexpr uint32_t kErrorFileTooLarge = 223;
 inline constexpr uint32_t kErrorInvalidFlags = 1004;
 inline constexpr uint32_t kErrorNoUnicodeTranslation = 1113;
