@@ -22,7 +22,6 @@ constexpr uint32_t kChunkSize = 4096;
 // Encryption needs room for the padding block after the last chunk.
 constexpr uint32_t kEncryptWorkSize = kChunkSize + 128;
 constexpr uint32_t kMaxPath = 260;
-constexpr uint32_t kAttributeReadOnly = 0x01;
 
 bool Fail(uint32_t code) {
   SetLastError(code);
@@ -51,7 +50,7 @@ bool CheckOutput(const char* output, OutputBefore* before) {
   const uint32_t attributes = platform::FileAttributes(output);
   if (attributes == platform::kNoAttributes) return true;  // a new file
   if (IsDirectoryOrDevice(attributes)) return Fail(kErrorBadFileType);
-  if (attributes & kAttributeReadOnly) return Fail(kErrorAccessDenied);
+  if (attributes & platform::kAttributeReadOnly) return Fail(kErrorAccessDenied);
   before->exists = platform::IdentifyPath(output, &before->identity);
   return true;
 }

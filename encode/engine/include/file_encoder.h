@@ -12,6 +12,9 @@
 #define FILE_ENCODER_H
 
 #include <stdint.h>
+#ifndef __cplusplus
+#include <uchar.h>
+#endif
 
 #if defined(FE_ENGINE_SHARED) && !defined(_WIN32)
 #define FE_API __attribute__((visibility("default")))
@@ -112,6 +115,17 @@ enum EncoderCompareConstants {
   fileCompareMD5 = 256,
   fileCompareSHA1 = 512,
   fileCompareSHA256 = 1024
+};
+
+/* Options of ConvertTextFile; bits may be combined. */
+enum EncoderConvertConstants {
+  fileConvertUnicode = 1,   /* detect the source: byte-order mark, then content */
+  fileConvertNormalize = 2, /* rewrite line endings */
+  fileConvertPreserve = 4,  /* keep the input's times and attributes */
+  fileConvertUtf8Bom = 8,   /* a byte-order mark before UTF-8 output */
+  fileConvertNoBom = 16,    /* no byte-order mark before UTF-16 output */
+  fileConvertStrict = 32,   /* refuse invalid or unmappable characters (1113) */
+  fileCOnvertValidate = 256 /* convert only to check (spelled so since its first release) */
 };
 
 #endif /* __FileEncoderCtl_LIBRARY_DEFINED__ */
@@ -372,6 +386,52 @@ FE_API int32_t CreateTokenText(int32_t bitLength, int32_t encodingType, char* ou
  * Non-zero when valid (last error 0); else last error 13 when invalid, 4306
  * when nothing is left to check, 87 for null bytes. */
 FE_API int Utf8Validate(const uint8_t* bytes, int32_t count);
+
+/* ---- Text filters ----
+ * Each filter has an 8-bit form over UTF-8 text (inputLength -1: up to the
+ * terminator) and a wide form over terminated UTF-16 text. */
+
+/* HTML to plain text with CR LF line ends. Returns the bytes written without
+ * the terminator; with a null output or a capacity of 0, the length the
+ * result would have. Last error 0 on success, 87 for bad arguments or an
+ * input above 64 MiB, 232 for an empty input, 14 when memory runs out. */
+FE_API int32_t FilterHtmlText(const char* input, int32_t inputLength, char* output,
+                              int32_t outputCapacity);
+FE_API int32_t FilterHtmlWide(const char16_t* input, char16_t* output, int32_t outputCapacity);
+
+/* Markdown to plain text with LF line ends. Returns the full length of the
+ * result, which is written (and terminated) as far as the capacity allows;
+ * a null output asks for the length. */
+FE_API int32_t FilterMarkdownText(const char* input, int32_t inputLength, char* output,
+                                  int32_t outputCapacity);
+FE_API int32_t FilterMarkdownWide(const char16_t* input, char16_t* output, int32_t outputCapacity);
+
+/* A plain skeleton of a text: controls, invisible and private characters,
+ * accents and pictographs removed, look-alikes replaced by ASCII, the ends
+ * trimmed. Returns its length; it is written (terminated) only when the
+ * capacity exceeds it, else 0 is returned. A null output or a capacity of 0
+ * asks for the length. */
+FE_API int32_t FilterUnicodeWide(const char16_t* input, char16_t* output, int32_t outputCapacity);
+FE_API int32_t FilterUnicodeText(const char* input, int32_t inputLength, char* output,
+                                 int32_t outputCapacity);
+/* 1 when the text holds a character used to spoof text, else 0. */
+FE_API int IsConfusableWide(const char16_t* input);
+FE_API int IsConfusableText(const char* input, int32_t inputLength);
+
+/* Line-ending modes of ConvertTextFile, beside EncoderConvertConstants;
+ * any of them turns fileConvertNormalize on. In CR mode a line end that
+ * closes a 4096-byte chunk is dropped. */
+#define FE_CONVERT_LINE_END_CRLF 0x1000u
+#define FE_CONVERT_LINE_END_LF 0x2000u
+#define FE_CONVERT_LINE_END_CR 0x4000u
+
+/* Re-encodes a text file from one code page to another (0 or 3: the ANSI
+ * code page; 1200/1201: UTF-16 little/big endian) through a temporary file
+ * that replaces the output only when the whole file converted. A failed
+ * conversion leaves its temporary file in the temporary folder. Non-zero on
+ * success (last error 0). */
+FE_API int ConvertTextFile(const char* inputName, uint32_t sourceCodePage, const char* outputName,
+                           uint32_t destinationCodePage, uint32_t options);
 
 #ifdef __cplusplus
 }

@@ -50,6 +50,24 @@ int WideToMultiByte(uint32_t codePage, uint32_t flags, const char16_t* text, int
 int MultiByteToWide(uint32_t codePage, uint32_t flags, const char* text, int length,
                     char16_t* output, int outputSize);
 
+// IsValidCodePage: whether conversions with a code page are available.
+bool IsValidCodePage(uint32_t codePage);
+// GetACP: the system's ANSI code page (Linux: UTF-8, the locale's encoding).
+uint32_t AnsiCodePage();
+// IsDBCSLeadByteEx: whether `byte` begins a two-byte character.
+bool IsLeadByte(uint32_t codePage, uint8_t byte);
+// WideCharToMultiByte with its used-default-character report (not for
+// UTF-7 and UTF-8, which have no default character): *usedDefault tells
+// whether a character had no form in the code page.
+int WideToCodePage(uint32_t codePage, const char16_t* text, int length, char* output,
+                   int outputSize, bool* usedDefault);
+
+// NormalizeString(NormalizationKD, ...): the compatibility decomposition of
+// `length` UTF-16 units. outputSize 0 returns an estimate of the length.
+// Returns the units written; <= 0 on failure with the reason as last error
+// (122 when the output is too small).
+int NormalizeKd(const char16_t* text, int length, char16_t* output, int outputSize);
+
 // FormatMessage(from module | from system | ignore inserts, language
 // neutral): the text of a code from the engine module's message table, else
 // the system's. Writes at most size - 1 characters and a NUL; returns the
@@ -139,6 +157,9 @@ uint32_t TempPath(std::string* folder);
 // GetFileTime: creation and last-write time in 100-nanosecond units since
 // 1601 (Linux: the birth time, 0 where the file system keeps none).
 bool GetFileTimes(FileHandle file, int64_t* created, int64_t* modified);
+// SetFileTime: creation (where the file system keeps one) and last-write
+// time, in the units of GetFileTimes.
+bool SetFileTimes(FileHandle file, int64_t created, int64_t modified);
 // ReadFile / WriteFile: false with the reason as last error.
 bool ReadFile(FileHandle file, void* buffer, uint32_t size, uint32_t* read);
 bool WriteFile(FileHandle file, const void* buffer, uint32_t size, uint32_t* written);
@@ -151,6 +172,17 @@ inline constexpr uint32_t kNoAttributes = 0xFFFFFFFF;
 inline constexpr uint32_t kAttributeDirectory = 0x10;
 inline constexpr uint32_t kAttributeDevice = 0x40;
 uint32_t FileAttributes(const char* path);
+
+inline constexpr uint32_t kAttributeReadOnly = 0x01;
+inline constexpr uint32_t kAttributeHidden = 0x02;
+inline constexpr uint32_t kAttributeSystem = 0x04;
+inline constexpr uint32_t kAttributeArchive = 0x20;
+inline constexpr uint32_t kAttributeNormal = 0x80;
+inline constexpr uint32_t kAttributeOffline = 0x1000;
+// SetFileAttributesW (Linux: read-only clears the write permission bits,
+// its absence gives the owner write permission back; the other bits have no
+// counterpart).
+bool SetFileAttributeBits(const char* path, uint32_t attributes);
 
 bool RemoveFile(const char* path);
 

@@ -1,10 +1,11 @@
 // Stand-in for WideCharToMultiByte / MultiByteToWideChar with the argument
 // checks and error numbers of the Win32 calls. UTF-8 (65001) and UTF-7
-// (65000) are converted here; other code pages are not available yet.
+// (65000) are converted here; other code pages go through ICU.
 #include <string_view>
 
 #include "errors/system_errors.h"
 #include "platform/platform.h"
+#include "platform/posix/icu_code_page.h"
 #include "platform/posix/unicode_transforms.h"
 
 namespace fe::platform {
@@ -69,16 +70,36 @@ int Convert(const Transforms<In, Out>& transforms, uint32_t codePage, uint32_t f
   return out.count();
 }
 
+bool ConvertedByIcu(uint32_t codePage) {
+  return codePage != kCodePageUtf7 && codePage != kCodePageUtf8 && IsValidCodePage(codePage);
+}
+
 }  // namespace
 
 int WideToMultiByte(uint32_t codePage, uint32_t flags, const char16_t* text, int length,
                     char* output, int outputSize) {
+  if (ConvertedByIcu(codePage) && text != nullptr && length != 0) {
+    bool usedDefault = false;
+    return IcuFromWide(codePage, text, length, output, outputSize, &usedDefault);
+  }
   return Convert(kToMultiByte, codePage, flags, text, length, output, outputSize);
 }
 
 int MultiByteToWide(uint32_t codePage, uint32_t flags, const char* text, int length,
                     char16_t* output, int outputSize) {
+  if (ConvertedByIcu(codePage) && text != nullptr && length != 0) {
+    return IcuToWide(codePage, (flags & kFailOnInvalidChars) != 0, text, length, output,
+                     outputSize);
+  }
   return Convert(kToWide, codePage, flags, text, length, output, outputSize);
+}
+
+int WideToCodePage(uint32_t codePage, const char16_t* text, int length, char* output,
+                   int outputSize, bool* usedDefault) {
+  *usedDefault = false;
+  if (ConvertedByIcu(codePage))
+    return IcuFromWide(codePage, text, length, output, outputSize, usedDefault);
+  return Convert(kToMultiByte, codePage, 0, text, length, output, outputSize);
 }
 
 }  // namespace fe::platform

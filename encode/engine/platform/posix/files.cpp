@@ -216,8 +216,8 @@ uint32_t FileAttributes(const char* path) {
       S_ISSOCK(info.st_mode)) {
     attributes |= kAttributeDevice;
   }
-  if (!(info.st_mode & S_IWUSR)) attributes |= 0x1;  // read-only
-  return attributes != 0 ? attributes : 0x80;        // normal
+  if (!(info.st_mode & S_IWUSR)) attributes |= kAttributeReadOnly;
+  return attributes != 0 ? attributes : kAttributeNormal;
 }
 
 bool IdentifyFile(FileHandle file, FileIdentity* identity) {
@@ -310,6 +310,32 @@ bool CreateUniqueTempFile(const char* folder, const char* prefix, std::string* o
   }
   SetLastErrorCode(80);  // ERROR_FILE_EXISTS: every name is taken
   return false;
+}
+
+// The birth time cannot be set here; only the last-write time is kept.
+bool SetFileTimes(FileHandle file, int64_t /*created*/, int64_t modified) {
+  const int64_t sinceUnixEpoch = modified - int64_t{11644473600} * 10000000;
+  struct timespec times[2];
+  times[0].tv_nsec = UTIME_OMIT;
+  times[1].tv_sec = static_cast<time_t>(sinceUnixEpoch / 10000000);
+  times[1].tv_nsec = static_cast<long>(sinceUnixEpoch % 10000000) * 100;
+  if (times[1].tv_nsec < 0) {
+    times[1].tv_sec -= 1;
+    times[1].tv_nsec += 1000000000;
+  }
+  return ::futimens(static_cast<int>(file), times) == 0 || Fail();
+}
+
+bool SetFileAttributeBits(const char* path, uint32_t attributes) {
+  struct stat info;
+  if (::stat(path, &info) != 0) return Fail();
+  mode_t mode = info.st_mode & 07777;
+  if (attributes & kAttributeReadOnly) {
+    mode &= ~(S_IWUSR | S_IWGRP | S_IWOTH);
+  } else {
+    mode |= S_IWUSR;
+  }
+  return ::chmod(path, mode) == 0 || Fail();
 }
 
 bool GetFileTimes(FileHandle file, int64_t* created, int64_t* modified) {

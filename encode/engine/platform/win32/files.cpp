@@ -179,6 +179,20 @@ bool GetFileTimes(FileHandle file, int64_t* created, int64_t* modified) {
   return true;
 }
 
+bool SetFileTimes(FileHandle file, int64_t created, int64_t modified) {
+  const auto fileTime = [](int64_t value) {
+    return FILETIME{static_cast<DWORD>(value),
+                    static_cast<DWORD>(static_cast<uint64_t>(value) >> 32)};
+  };
+  const FILETIME creation = fileTime(created);
+  const FILETIME write = fileTime(modified);
+  return ::SetFileTime(Native(file), &creation, nullptr, &write) != FALSE;
+}
+
+bool SetFileAttributeBits(const char* path, uint32_t attributes) {
+  return ::SetFileAttributesW(Wide(path).c_str(), attributes) != FALSE;
+}
+
 uint32_t ExpandEnvironment(const char* text, std::string* expanded) {
   const std::wstring wide = Wide(text);
   const DWORD n = ::ExpandEnvironmentStringsW(wide.c_str(), nullptr, 0);
