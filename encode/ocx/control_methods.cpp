@@ -222,21 +222,4 @@ HRESULT CFileEncoder::CipherData(bool encrypt, const VARIANT& InputData, VARIANT
   return output.StoreText(text);
 }
 
-// Bound by the text-filter and conversion engines as they are added.
-STDMETHODIMP CFileEncoder::FilterHtml(VARIANT, VARIANT*) {
-  return E_NOTIMPL;
-}
-STDMETHODIMP CFileEncoder::FilterMarkdown(VARIANT, VARIANT*) {
-  return E_NOTIMPL;
-}
-STDMETHODIMP CFileEncoder::FilterUnicode(VARIANT, VARIANT*) {
-  return E_NOTIMPL;
-}
-STDMETHODIMP CFileEncoder::IsConfusable(VARIANT, VARIANT*) {
-  return E_NOTIMPL;
-}
-STDMETHODIMP CFileEncoder::ConvertFile(VARIANT, VARIANT, VARIANT, VARIANT, VARIANT, VARIANT*) {
-  return E_NOTIMPL;
-}
-
 }  // namespace fe::ocx

@@ -6,51 +6,6 @@
 
 namespace fe::ocx {
 
-namespace {
-
-constexpr HRESULT kTypeMismatch = static_cast<HRESULT>(0x80020005);  // DISP_E_TYPEMISMATCH
-
-// The byte array an argument holds: directly, by reference, or inside a
-// by-reference variant; null for anything else.
-SAFEARRAY* ByteArrayOf(const VARIANT& value) {
-  if (value.vt == (VT_ARRAY | VT_UI1)) return value.parray;
-  if (value.vt == (VT_BYREF | VT_ARRAY | VT_UI1)) return value.pparray ? *value.pparray : nullptr;
-  if (value.vt == (VT_BYREF | VT_VARIANT) && value.pvarVal != nullptr) {
-    const VARIANT& inner = *value.pvarVal;
-    if (inner.vt == (VT_ARRAY | VT_UI1)) return inner.parray;
-    if (inner.vt == (VT_BYREF | VT_ARRAY | VT_UI1)) return inner.pparray ? *inner.pparray : nullptr;
-  }
-  return nullptr;
-}
-
-bool IsByteArray(const VARIANT& value) {
-  const VARIANT& v = Dereference(value);
-  return (v.vt & ~VT_BYREF) == (VT_ARRAY | VT_UI1);
-}
-
-// The string an argument holds, directly or by reference; false otherwise.
-bool StringOf(const VARIANT& value, BSTR* text) {
-  const VARIANT& v = Dereference(value);
-  if (v.vt == VT_BSTR) {
-    *text = v.bstrVal;
-    return true;
-  }
-  if (v.vt == (VT_BYREF | VT_BSTR) && v.pbstrVal != nullptr) {
-    *text = *v.pbstrVal;
-    return true;
-  }
-  return false;
-}
-
-// The result variant, cleared; null when the caller gave none.
-VARIANT* ClearedResult(VARIANT* Result) {
-  VARIANT* target = OutArgument(Result);
-  if (target != nullptr) ::VariantClear(target);
-  return target;
-}
-
-}  // namespace
-
 STDMETHODIMP CFileEncoder::IsValidUtf8(VARIANT InputBytes, VARIANT* Result) {
   VARIANT* result = ClearedResult(Result);
   if (result == nullptr) return E_POINTER;

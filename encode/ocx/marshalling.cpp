@@ -83,6 +83,46 @@ std::wstring ToWide(const char* text, size_t length, UINT codePage) {
   return result;
 }
 
+// The byte array an argument holds: directly, by reference, or inside a
+// by-reference variant; null for anything else.
+SAFEARRAY* ByteArrayOf(const VARIANT& value) {
+  if (value.vt == (VT_ARRAY | VT_UI1)) return value.parray;
+  if (value.vt == (VT_BYREF | VT_ARRAY | VT_UI1)) return value.pparray ? *value.pparray : nullptr;
+  if (value.vt == (VT_BYREF | VT_VARIANT) && value.pvarVal != nullptr) {
+    const VARIANT& inner = *value.pvarVal;
+    if (inner.vt == (VT_ARRAY | VT_UI1)) return inner.parray;
+    if (inner.vt == (VT_BYREF | VT_ARRAY | VT_UI1)) return inner.pparray ? *inner.pparray : nullptr;
+  }
+  return nullptr;
+}
+
+bool IsByteArray(const VARIANT& value) {
+  const VARIANT& v = Dereference(value);
+  return (v.vt & ~VT_BYREF) == (VT_ARRAY | VT_UI1);
+}
+
+// The string an argument holds, directly or by reference; false otherwise.
+bool StringOf(const VARIANT& value, BSTR* text) {
+  const VARIANT& v = Dereference(value);
+  if (v.vt == VT_BSTR) {
+    *text = v.bstrVal;
+    return true;
+  }
+  if (v.vt == (VT_BYREF | VT_BSTR) && v.pbstrVal != nullptr) {
+    *text = *v.pbstrVal;
+    return true;
+  }
+  return false;
+}
+
+// The result variant, cleared; null when the caller gave none.
+VARIANT* ClearedResult(VARIANT* Result) {
+  VARIANT* target = OutArgument(Result);
+  if (target != nullptr) ::VariantClear(target);
+  return target;
+}
+
+
 HRESULT GetUtf8Argument(const VARIANT& value, std::string* text, bool* present) {
   *present = false;
   text->clear();

@@ -20,6 +20,8 @@ namespace fe::ocx {
 // are: they never go through the error routine.
 inline constexpr HRESULT kInvalidCall = static_cast<HRESULT>(0x800A0005);
 inline constexpr HRESULT kOutOfMemoryError = static_cast<HRESULT>(0x800A0007);
+inline constexpr HRESULT kInvalidCodePage = static_cast<HRESULT>(0x800A0141);
+inline constexpr HRESULT kTypeMismatch = static_cast<HRESULT>(0x80020005);  // DISP_E_TYPEMISMATCH
 
 // An omitted optional argument arrives empty or as the error variant.
 bool IsMissing(const VARIANT& value);
@@ -37,6 +39,16 @@ HRESULT SetOutText(VARIANT* argument, const std::wstring& text);
 // UTF-16 and 8-bit text in a code page.
 std::string ToMultiByte(const wchar_t* text, size_t length, UINT codePage);
 std::wstring ToWide(const char* text, size_t length, UINT codePage);
+
+// The byte array an argument holds: directly, by reference, or inside a
+// by-reference variant; null for anything else.
+SAFEARRAY* ByteArrayOf(const VARIANT& value);
+// Whether an argument is a byte array, directly or by reference.
+bool IsByteArray(const VARIANT& value);
+// The string an argument holds, directly or by reference; false otherwise.
+bool StringOf(const VARIANT& value, BSTR* text);
+// The result variant, cleared; null when the caller gave none.
+VARIANT* ClearedResult(VARIANT* Result);
 
 // Rule S: *present is false for an omitted argument.
 HRESULT GetUtf8Argument(const VARIANT& value, std::string* text, bool* present);

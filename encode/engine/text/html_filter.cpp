@@ -176,7 +176,10 @@ class HtmlFilter {
 int32_t HtmlFilter::Run() {
   while (pos_ < limit_ && at_ < length_ && in_[at_] != 0) {
     const auto c = static_cast<uint8_t>(in_[at_]);
-    if (c == '<') {
+    // Inside a tag "<" is part of it: the tag runs to the next ">", so a
+    // script holding "a<b" never sees its closing tag, as pages filtered by
+    // earlier versions show.
+    if (c == '<' && !inTag_) {
       OpenTag();
     } else if (c == '>' && (inTag_ || inComment_)) {
       CloseTag();
@@ -282,6 +285,7 @@ void HtmlFilter::BlockEnd() {
 
 void HtmlFilter::StructureTag(std::string_view name, const Attribute* attributes, int count) {
   if (name == "a" && count >= 1) {
+    if (!HasAttribute(attributes, count, "href")) return;
     const auto address = ShownLinkAddress(FindAttribute(attributes, count, "href"));
     if (address && !address->empty() && (address->front() == '#' || address->front() == '/'))
       return;
