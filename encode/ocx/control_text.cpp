@@ -23,7 +23,8 @@ HRESULT GetFilterInput(const VARIANT& value, FilterInput* input) {
     if (array == nullptr || ::SafeArrayGetDim(array) != 1) return E_INVALIDARG;
     input->bytes = true;
     const ULONG count = array->rgsabound[0].cElements;
-    if (array->pvData != nullptr && count > 0) input->utf8.assign(static_cast<const char*>(array->pvData), count);
+    if (array->pvData != nullptr && count > 0)
+      input->utf8.assign(static_cast<const char*>(array->pvData), count);
     return S_OK;
   }
   BSTR text = nullptr;
@@ -34,9 +35,11 @@ HRESULT GetFilterInput(const VARIANT& value, FilterInput* input) {
   if (IsMissing(value)) return E_INVALIDARG;
   VARIANT converted;
   ::VariantInit(&converted);
-  const HRESULT hr = ::VariantChangeType(&converted, const_cast<VARIANT*>(&Dereference(value)), 0, VT_BSTR);
+  const HRESULT hr =
+      ::VariantChangeType(&converted, const_cast<VARIANT*>(&Dereference(value)), 0, VT_BSTR);
   if (FAILED(hr)) return hr;
-  input->text.assign(converted.bstrVal ? converted.bstrVal : L"", ::SysStringLen(converted.bstrVal));
+  input->text.assign(converted.bstrVal ? converted.bstrVal : L"",
+                     ::SysStringLen(converted.bstrVal));
   ::VariantClear(&converted);
   return S_OK;
 }
@@ -49,7 +52,8 @@ const char16_t* Units(const std::wstring& text) {
 std::wstring FromUtf8(const std::string& utf8) {
   if (utf8.empty()) return {};
   const int length = static_cast<int>(utf8.size());
-  const int size = ::MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, utf8.data(), length, nullptr, 0);
+  const int size =
+      ::MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, utf8.data(), length, nullptr, 0);
   if (size <= 0) return {};
   std::wstring text(static_cast<size_t>(size), L'\0');
   ::MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, utf8.data(), length, text.data(), size);
@@ -71,7 +75,8 @@ std::basic_string<Unit> RunFilter(Filter filter) {
 using TextFilter = int32_t (*)(const char*, int32_t, char*, int32_t);
 using WideFilter = int32_t (*)(const char16_t*, char16_t*, int32_t);
 
-HRESULT FilterMethod(const VARIANT& InputText, VARIANT* Result, TextFilter textFilter, WideFilter wideFilter) {
+HRESULT FilterMethod(const VARIANT& InputText, VARIANT* Result, TextFilter textFilter,
+                     WideFilter wideFilter) {
   if (OutArgument(Result) == nullptr) return E_POINTER;
   FilterInput input;
   const HRESULT hr = GetFilterInput(InputText, &input);
@@ -85,8 +90,9 @@ HRESULT FilterMethod(const VARIANT& InputText, VARIANT* Result, TextFilter textF
       }));
     }
   } else if (!input.text.empty()) {
-    const std::u16string result = RunFilter<char16_t>(
-        [&](char16_t* out, int32_t capacity) { return wideFilter(Units(input.text), out, capacity); });
+    const std::u16string result = RunFilter<char16_t>([&](char16_t* out, int32_t capacity) {
+      return wideFilter(Units(input.text), out, capacity);
+    });
     filtered.assign(reinterpret_cast<const wchar_t*>(result.data()), result.size());
   }
   return SetOutText(Result, filtered);
@@ -117,9 +123,10 @@ STDMETHODIMP CFileEncoder::IsConfusable(VARIANT InputText, VARIANT* Result) {
   FilterInput input;
   const HRESULT hr = GetFilterInput(InputText, &input);
   if (FAILED(hr)) return hr;
-  const bool confusable = input.bytes
-                              ? IsConfusableText(input.utf8.data(), static_cast<int32_t>(input.utf8.size())) != 0
-                              : IsConfusableWide(Units(input.text)) != 0;
+  const bool confusable =
+      input.bytes
+          ? IsConfusableText(input.utf8.data(), static_cast<int32_t>(input.utf8.size())) != 0
+          : IsConfusableWide(Units(input.text)) != 0;
   result->vt = VT_BOOL;
   result->boolVal = confusable ? VARIANT_TRUE : VARIANT_FALSE;
   return S_OK;
@@ -129,8 +136,9 @@ STDMETHODIMP CFileEncoder::IsConfusable(VARIANT InputText, VARIANT* Result) {
 // destination code page (65001 when omitted), the fifth conversion options
 // (__encoderConvertConstants, none when omitted); a source code page of 0
 // or 3 asks for detection.
-STDMETHODIMP CFileEncoder::ConvertFile(VARIANT InputFile, VARIANT SourceCodePage, VARIANT OutputFile,
-                                       VARIANT DestinationCodePage, VARIANT Options, VARIANT* Error) {
+STDMETHODIMP CFileEncoder::ConvertFile(VARIANT InputFile, VARIANT SourceCodePage,
+                                       VARIANT OutputFile, VARIANT DestinationCodePage,
+                                       VARIANT Options, VARIANT* Error) {
   SetOutInteger(Error, 0);
   std::string input, output;
   bool inputGiven = false, outputGiven = false;
@@ -151,8 +159,9 @@ STDMETHODIMP CFileEncoder::ConvertFile(VARIANT InputFile, VARIANT SourceCodePage
   if (!detect && !IsInstalled(source)) return kInvalidCodePage;
   if (destination == CP_ACP) destination = ::GetACP();
   if (!IsInstalled(destination)) return kInvalidCodePage;
-  if (ConvertTextFile(inputGiven ? input.c_str() : nullptr, source, outputGiven ? output.c_str() : nullptr,
-                      destination, options | (detect ? fileConvertUnicode : 0))) {
+  if (ConvertTextFile(inputGiven ? input.c_str() : nullptr, source,
+                      outputGiven ? output.c_str() : nullptr, destination,
+                      options | (detect ? fileConvertUnicode : 0))) {
     return S_OK;
   }
   const DWORD error = ::GetLastError();

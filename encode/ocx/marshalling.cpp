@@ -122,7 +122,6 @@ VARIANT* ClearedResult(VARIANT* Result) {
   return target;
 }
 
-
 HRESULT GetUtf8Argument(const VARIANT& value, std::string* text, bool* present) {
   *present = false;
   text->clear();

@@ -4,6 +4,7 @@
 // skipped.
 #include <gtest/gtest.h>
 
+#include "platform/platform.h"
 #include "temp_folder.h"
 #include "test_support.h"
 
@@ -20,6 +21,7 @@ TEST(CrossCheck, NeedsTheLinuxTools) {
 #include <cstdio>
 #include <fstream>
 #include <random>
+#include <sstream>
 #include <string>
 
 namespace fe::test {
@@ -317,7 +319,7 @@ TEST(CrossCheck, Utf8ValidationAgainstPythonStrictDecoding) {
   std::mt19937 random(11);
   std::vector<Bytes> sequences;
   std::string lines;
-  for (int i = 0; i < 50000; ++i) {
+  for (int i = 0; i < 1000000; ++i) {
     Bytes bytes(1 + random() % 12);
     for (auto& b : bytes) {
       const uint32_t r = random();
@@ -339,6 +341,78 @@ TEST(CrossCheck, Utf8ValidationAgainstPythonStrictDecoding) {
     const bool ours =
         Utf8Validate(sequences[i].data(), static_cast<int32_t>(sequences[i].size())) != 0;
     ASSERT_EQ(ours, verdicts[i] == '1') << i;
+  }
+}
+
+// Compatibility decomposition through the platform against Python's
+// unicodedata for every code point of the BMP that Python's tables assign
+// (the two may follow different Unicode versions for newer characters).
+TEST(CrossCheck, DecompositionAgainstPythonForTheWholeBmp) {
+  const Bytes reference = Python(
+      "''.join('%x:%s\\n' % (c, __import__('unicodedata').normalize('NFKD', "
+      "chr(c)).encode('utf-16-le').hex()) "
+      "for c in range(1, 0x10000) if not 0xD800 <= c <= 0xDFFF and "
+      "__import__('unicodedata').category(chr(c)) != 'Cn').encode()",
+      {});
+  std::istringstream lines(ToString(reference));
+  int checked = 0;
+  for (std::string line; std::getline(lines, line);) {
+    const size_t colon = line.find(':');
+    const auto c = static_cast<char16_t>(std::stoul(line.substr(0, colon), nullptr, 16));
+    char16_t ours[32];
+    const int length = platform::NormalizeKd(&c, 1, ours, 32);
+    ASSERT_GT(length, 0) << std::hex << static_cast<int>(c);
+    ASSERT_EQ(Hex(reinterpret_cast<const uint8_t*>(ours), static_cast<size_t>(length) * 2),
+              line.substr(colon + 1))
+        << std::hex << static_cast<int>(c);
+    ++checked;
+  }
+  EXPECT_GT(checked, 50000);
+}
+
+// Text files through code pages that iconv knows too, both ways.
+TEST(CrossCheck, TextFileConversionAgainstIconv) {
+  const struct {
+    uint32_t codePage;
+    const char* iconvName;
+    const char* text;
+  } cases[] = {
+      {1252, "CP1252",
+       "Gr\xC3\xBC\xC3\x9F"
+       "e, na\xC3\xAFve caf\xC3\xA9 \xE2\x80\x94 10 \xE2\x82\xAC \xC2\xAB\xC2\xBD\xC2\xBB\r\n"},
+      {1251, "CP1251",
+       "\xD0\x9F\xD1\x80\xD0\xB8\xD0\xB2\xD0\xB5\xD1\x82, \xD0\xBC\xD0\xB8\xD1\x80!\n"},
+      {437, "CP437", "\xE2\x94\x8C\xE2\x94\x80\xE2\x94\x90 \xC3\xA4 \xC2\xBD\n"},
+      {850, "CP850", "\xC3\x85ngstr\xC3\xB6m \xC3\xB8\n"},
+      {28591, "ISO-8859-1", "caf\xC3\xA9 \xC2\xA9 \xC3\xBF\n"},
+      {932, "CP932",
+       "\xE6\x97\xA5\xE6\x9C\xAC\xE8\xAA\x9E\xE3\x81\xAE\xE3\x83\x86\xE3\x82\xAD\xE3\x82\xB9\xE3"
+       "\x83\x88\n"},
+      {936, "CP936", "\xE4\xB8\xAD\xE6\x96\x87\xE6\x96\x87\xE6\x9C\xAC\n"},
+      {1200, "UTF-16LE", "\xF0\x9F\x98\x80 plane one and caf\xC3\xA9\n"},
+      {1201, "UTF-16BE", "\xF0\x9F\x98\x80 plane one and caf\xC3\xA9\n"},
+  };
+  TempFolder folder;
+  for (const auto& c : cases) {
+    // Long enough that chunks end inside double-byte characters.
+    std::string text;
+    while (text.size() < 20000)
+      text += c.text;
+    const std::string utf8 = folder.Write("utf8.txt", ToBytes(text));
+    const std::string converted = folder.Path("converted.txt");
+    const uint32_t noMark = c.codePage == 1200 || c.codePage == 1201 ? fileConvertNoBom : 0;
+    ASSERT_TRUE(ConvertTextFile(utf8.c_str(), 65001, converted.c_str(), c.codePage, noMark))
+        << c.iconvName << " " << EngineGetLastError();
+    Bytes theirs;
+    ASSERT_TRUE(
+        RunTool(std::string("iconv -f UTF-8 -t ") + c.iconvName + " {in}", ToBytes(text), theirs));
+    EXPECT_EQ(TempFolder::Read(converted), theirs) << c.iconvName;
+    const std::string back = folder.Path("back.txt");
+    ASSERT_TRUE(
+        ConvertTextFile(converted.c_str(), c.codePage, back.c_str(), 65001, fileConvertStrict))
+        << c.iconvName << " " << EngineGetLastError();
+    ASSERT_TRUE(RunTool(std::string("iconv -f ") + c.iconvName + " -t UTF-8 {in}", theirs, theirs));
+    EXPECT_EQ(TempFolder::Read(back), theirs) << c.iconvName;
   }
 }
 

@@ -9,10 +9,13 @@
 namespace {
 
 std::string Markdown(const std::string& markdown) {
-  const int32_t size = FilterMarkdownText(markdown.data(), static_cast<int32_t>(markdown.size()), nullptr, 0);
+  const int32_t size =
+      FilterMarkdownText(markdown.data(), static_cast<int32_t>(markdown.size()), nullptr, 0);
   EXPECT_EQ(EngineGetLastError(), 0u);
   std::string out(static_cast<size_t>(size) + 1, '\0');
-  EXPECT_EQ(FilterMarkdownText(markdown.data(), static_cast<int32_t>(markdown.size()), out.data(), size + 1), size);
+  EXPECT_EQ(FilterMarkdownText(markdown.data(), static_cast<int32_t>(markdown.size()), out.data(),
+                               size + 1),
+            size);
   out.resize(static_cast<size_t>(size));
   return out;
 }
@@ -54,7 +57,8 @@ TEST(MarkdownFilter, SnakeCaseKeepsUnderscoresEmphasisGoes) {
 }
 
 TEST(MarkdownFilter, TableBecomesLinesOfCells) {
-  EXPECT_EQ(Markdown("| Name | Size |\n|:-----|-----:|\n| a | 1 |\n| b | 2 |\n"), "Name Size\na 1\nb 2\n");
+  EXPECT_EQ(Markdown("| Name | Size |\n|:-----|-----:|\n| a | 1 |\n| b | 2 |\n"),
+            "Name Size\na 1\nb 2\n");
   EXPECT_EQ(Markdown("x | y\n--- | ---\n1 | 2\n\nafter"), "x y\n1 2\n\nafter");
 }
 

@@ -76,7 +76,10 @@ TEST(UnicodeFilter, ControlsBidiOverridesPrivateUseAndNonCharactersGo) {
 
 TEST(UnicodeFilter, UnpairedSurrogatesAndUndecodableBytesAreDropped) {
   EXPECT_EQ(Filter(std::u16string(u"a") + char16_t(0xD800) + u"b" + char16_t(0xDC00)), u"ab");
-  EXPECT_EQ(FilterText(std::string("a\xFF\xC0\xAF" "b\0c", 7)), "abc");
+  EXPECT_EQ(FilterText(std::string("a\xFF\xC0\xAF"
+                                   "b\0c",
+                                   7)),
+            "abc");
 }
 
 TEST(UnicodeFilter, LookAlikesSpacesAndDashes) {
@@ -115,14 +118,16 @@ TEST(UnicodeFilter, ArgumentErrors) {
 
 TEST(UnicodeClasses, ConfusableMapFirstMatchWins) {
   EXPECT_EQ(fe::text::MapConfusable(0x212B), 0x00C5u);
-  EXPECT_EQ(fe::text::MapConfusable(0x01C0), static_cast<uint32_t>('l'));  // listed first as l, later as |
+  EXPECT_EQ(fe::text::MapConfusable(0x01C0),
+            static_cast<uint32_t>('l'));  // listed first as l, later as |
   EXPECT_EQ(fe::text::MapConfusable(0x1F170), static_cast<uint32_t>('O'));
   EXPECT_EQ(fe::text::MapConfusable(0x05DF), static_cast<uint32_t>('1'));
   EXPECT_EQ(fe::text::MapConfusable(0x4E00), 0x4E00u);
 }
 
 TEST(UnicodeClasses, SpoofingCharacters) {
-  for (uint32_t c : {0xFEFFu, 0x200Bu, 0x061Cu, 0xE0001u, 0x2212u, 0x30FBu, 0x3164u, 0x1FFFEu, 0x2029u}) {
+  for (uint32_t c :
+       {0xFEFFu, 0x200Bu, 0x061Cu, 0xE0001u, 0x2212u, 0x30FBu, 0x3164u, 0x1FFFEu, 0x2029u}) {
     EXPECT_TRUE(fe::text::IsSpoofingCharacter(c)) << std::hex << c;
   }
   EXPECT_FALSE(fe::text::IsSpoofingCharacter(0x2065));

@@ -2,6 +2,7 @@
 // temporary file that takes the output's place only after the whole file
 // converted. Line endings can be rewritten on the way.
 #include <algorithm>
+#include <array>
 #include <cstring>
 #include <string>
 #include <vector>
@@ -144,7 +145,12 @@ struct Job {
 class Converter {
  public:
   Converter(const Job& job, platform::FileHandle input, platform::FileHandle output)
-      : job_(job), input_(input), output_(output) {}
+      : job_(job), input_(input), output_(output) {
+    if (!IsUtf16(job.source) && job.source != platform::kCodePageUtf8) {
+      for (int b = 0x80; b < 256; ++b)
+        leadBytes_[b] = platform::IsLeadByte(job.source, static_cast<uint8_t>(b));
+    }
+  }
 
   bool Run();
 
@@ -162,7 +168,17 @@ class Converter {
   void RewriteLineEnds(std::u16string& text) const;
   bool WriteText(std::u16string& text);
 
+  // 1 when the chunk ends in the lead byte of a double-byte character. The
+  // bytes are walked from the start: a trail byte can look like a lead.
+  size_t CutDoubleByteCharacter(const char* bytes, size_t size) const {
+    size_t at = 0;
+    while (at < size)
+      at += leadBytes_[static_cast<uint8_t>(bytes[at])] ? 2 : 1;
+    return at > size ? 1 : 0;
+  }
+
   Job job_;
+  std::array<bool, 256> leadBytes_{};
   platform::FileHandle input_;
   platform::FileHandle output_;
 };
@@ -258,8 +274,8 @@ bool Converter::Run() {
           if (lead >= 0xC2 && lead <= 0xF4 && size - (start - 1) < needed)
             held = size - (start - 1);
         }
-      } else if (platform::IsLeadByte(job_.source, static_cast<uint8_t>(chunk[size - 1]))) {
-        held = 1;
+      } else {
+        held = CutDoubleByteCharacter(chunk.data(), size);
       }
       size -= held;
       if (!Decode(chunk.data(), size, &text)) return false;

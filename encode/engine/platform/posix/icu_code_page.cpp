@@ -48,7 +48,9 @@ Converter Open(uint32_t codePage) {
     std::snprintf(name, sizeof name, pattern, codePage);
     UErrorCode status = U_ZERO_ERROR;
     Converter converter(ucnv_open(name, &status));
-    if (U_SUCCESS(status) && status != U_AMBIGUOUS_ALIAS_WARNING) return converter;
+    // "windows-N" is ambiguous in ICU's alias table only because IBM
+    // tables carry the same alias; the Windows table is what it opens.
+    if (U_SUCCESS(status)) return converter;
   }
   return nullptr;
 }
