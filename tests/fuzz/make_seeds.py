@@ -146,6 +146,26 @@ def utf8_seeds():
         write("utf8_validate_fuzz", "edge%d" % n, bad)
 
 
+def text_filter_seeds():
+    pages = [b"<html><head><title>T</title><style>p{}</style></head><body><h1>Head</h1>"
+             b"<p>One &amp; two &copy; &#x41;&#65;</p><ol><li>a</li><li>b</li></ol>"
+             b"<a href='https://u:p@example.com/x'>link</a><img alt='pic' src=x>"
+             b"<pre>  keep\n\n\nthis</pre><!-- note --><dl><dt>t</dt><dd>d</dd></dl></body></html>",
+             b"<script>if (a<b) x</script>after", b"Smith & Sons"]
+    for n, page in enumerate(pages):
+        write("html_filter_fuzz", "page%d" % n, b"\x20" + page)
+    docs = ["# Title\n\nText with **bold**, _it_, snake_case and `code`.\n\n1) one\n- two\n",
+            "> quote\n\n---\n\n[site](https://example.com) <https://x.y> ![i](p.png)\n",
+            "| a | b |\n|:--|--:|\n| 1 | 2 |\n\n```py\nx = 1\n```\n"]
+    for n, doc in enumerate(docs):
+        write("markdown_filter_fuzz", "doc%d" % n, b"\x20" + doc.encode())
+    texts = ["\u0430pple \u00e9 \ufb01 \U0001d400 \U0001f600", "a\tb\x0bc\x0cd \u202e\ufeff",
+             " \u3000\uff21\uff22 \u2014 \u00a0"]
+    for n, text in enumerate(texts):
+        write("unicode_filter_fuzz", "utf8_%d" % n, text.encode())
+        write("unicode_filter_fuzz", "utf16_%d" % n, text.encode("utf-16-le"))
+
+
 def main():
     rng = random.Random(1)
     samples = [b"", b"a", b"hello world\r\n" * 20, bytes(range(256)) * 3,
@@ -170,6 +190,7 @@ def main():
     data_seeds(samples)
     compare_seeds()
     utf8_seeds()
+    text_filter_seeds()
 
 
 if __name__ == "__main__":
