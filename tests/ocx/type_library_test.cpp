@@ -82,8 +82,10 @@ TEST_F(TypeLibrary, ConversionMethodFollowsUtf8ToStrInTheFunctionTable) {
   Variant::Missing(&missing);
   Variant error;
   VARIANT errorRef = ByReference(error.get());
-  // Not bound to the text-file conversion yet.
-  EXPECT_EQ(convert(encoder_, missing, missing, missing, missing, missing, &errorRef), E_NOTIMPL);
+  // Without file names the conversion refuses the call with 87 in Error.
+  convert(encoder_, missing, missing, missing, missing, missing, &errorRef);
+  EXPECT_EQ(error->vt, VT_I4);
+  EXPECT_EQ(error->lVal, 87);
 }
 
 }  // namespace
