@@ -1,7 +1,7 @@
 # FileEncoder: one command builds and tests everything (see README.md).
 #   make test        install what is missing, build every configuration, run every suite
 #   make demo        the control, registered under Wine, driven from examples/demo.vbs
-#   make bench       throughput of the codecs and file operations (not part of make test)
+#   make bench       throughput of the codecs, file operations and text filters (not part of make test)
 #   make fuzz-smoke  each fuzz target for 30 s
 #   make fuzz-long   each fuzz target for 10 minutes (before changes to a decoder land)
 BUILD ?= build
@@ -26,10 +26,11 @@ demo-engine: native
 
 bench: bootstrap
 	@$(CMAKE) -S . -B $(BUILD)/bench -DCMAKE_BUILD_TYPE=Release -DFE_BENCH=ON >/dev/null
-	@cmake --build $(BUILD)/bench -j$(JOBS) --target codec_bench file_bench secure_bench
+	@cmake --build $(BUILD)/bench -j$(JOBS) --target codec_bench file_bench secure_bench text_bench
 	@$(BUILD)/bench/bench/codec_bench --benchmark_counters_tabular=true
 	@$(BUILD)/bench/bench/file_bench
 	@$(BUILD)/bench/bench/secure_bench
+	@$(BUILD)/bench/bench/text_bench --benchmark_counters_tabular=true
 
 fuzz-smoke: fuzz
 	@scripts/run-suites.sh $(BUILD) $(FUZZ_SECONDS) fuzz
