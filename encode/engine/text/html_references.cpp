@@ -100,7 +100,7 @@ bool DecodeHtmlReference(std::string_view reference, std::string* bytes) {
     // Tab, line feed, vertical tab, form feed and carriage return read as
     // one blank; the other control characters are refused.
     if (value >= 9 && value <= 13) {
-      *bytes = " ";
+      bytes->assign(1, ' ');
     } else if (value < 32) {
       return false;
     } else {
@@ -110,7 +110,7 @@ bool DecodeHtmlReference(std::string_view reference, std::string* bytes) {
   }
   std::string_view found = Lookup(kCommon, reference);
   if (found.empty()) found = Lookup(kUtf8, reference);
-  *bytes = found;
+  bytes->assign(found.data(), found.size());
   return !found.empty();
 }
 
