@@ -400,8 +400,7 @@ extern "C" int32_t FilterHtmlText(const char* input, int32_t inputLength, char* 
     SetLastError(kErrorInvalidParameter);
     return 0;
   }
-  const size_t length =
-      inputLength == -1 ? std::strlen(input) : static_cast<size_t>(std::max(inputLength, 0));
+  const size_t length = text::TextLength(input, inputLength);
   if (length > static_cast<size_t>(text::kLongestInput)) {
     SetLastError(kErrorInvalidParameter);
     return 0;

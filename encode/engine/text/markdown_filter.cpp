@@ -436,8 +436,7 @@ extern "C" int32_t FilterMarkdownText(const char* input, int32_t inputLength, ch
     SetLastError(kErrorInvalidParameter);
     return 0;
   }
-  const size_t length =
-      inputLength == -1 ? std::strlen(input) : static_cast<size_t>(std::max(inputLength, 0));
+  const size_t length = text::TextLength(input, inputLength);
   const int64_t produced = text::MarkdownFilter(input, length, output, outputCapacity).Run();
   SetLastError(0);
   return static_cast<int32_t>(std::min<int64_t>(produced, INT32_MAX));

@@ -131,8 +131,7 @@ extern "C" int32_t FilterUnicodeText(const char* input, int32_t inputLength, cha
     SetLastError(kErrorInvalidParameter);
     return 0;
   }
-  const size_t length =
-      inputLength == -1 ? std::strlen(input) : static_cast<size_t>(std::max(inputLength, 0));
+  const size_t length = text::TextLength(input, inputLength);
   try {
     // The first pass runs on the UTF-8 text; what it keeps is well-formed.
     const auto kept = text::KeepAllowed<std::string_view, std::string>({input, length});
@@ -153,7 +152,6 @@ extern "C" int IsConfusableWide(const char16_t* input) {
 
 extern "C" int IsConfusableText(const char* input, int32_t inputLength) {
   if (input == nullptr) return 0;
-  const size_t length =
-      inputLength == -1 ? std::strlen(input) : static_cast<size_t>(std::max(inputLength, 0));
+  const size_t length = fe::text::TextLength(input, inputLength);
   return fe::text::HoldsConfusable(std::string_view(input, length)) ? 1 : 0;
 }

@@ -8,6 +8,13 @@
 
 namespace fe::text {
 
+// The length of an 8-bit filter input: -1 runs to the terminator, other
+// negative lengths count as empty.
+inline size_t TextLength(const char* input, int32_t inputLength) {
+  if (inputLength == -1) return std::char_traits<char>::length(input);
+  return inputLength < 0 ? 0 : static_cast<size_t>(inputLength);
+}
+
 // The length of a terminated UTF-16 text.
 size_t WideLength(const char16_t* text);
 
