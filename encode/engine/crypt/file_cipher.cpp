@@ -12,6 +12,7 @@
 #include "errors/last_error.h"
 #include "errors/system_errors.h"
 #include "file_encoder.h"
+#include "files/finished_file.h"
 #include "platform/scoped_file.h"
 
 namespace fe::crypt {
@@ -145,16 +146,9 @@ bool RunFileCipher(bool encrypt, const char* password, const char* inputPath,
   // The result takes the output's place atomically: over the input itself
   // or over the file that stood there, only while that is unchanged, or
   // under a name that is still free.
-  bool placed;
-  if (before.exists) {
-    placed = platform::ReplaceFileAtomically(
-        temporary.c_str(), outputPath, before.identity.SameFile(read) ? read : before.identity);
-  } else {
-    placed = platform::MoveFileToNewName(temporary.c_str(), outputPath);
-  }
-  if (!placed) {
-    const KeepLastError keep;
-    platform::RemoveCreatedFile(temporary.c_str(), created);
+  const platform::FileIdentity& replaced = before.identity.SameFile(read) ? read : before.identity;
+  if (!files::PlaceFinishedFile(temporary.c_str(), created, outputPath,
+                                before.exists ? &replaced : nullptr)) {
     return false;
   }
   SetLastError(0);

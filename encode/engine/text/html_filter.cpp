@@ -30,8 +30,6 @@ constexpr int kMaxListLevels = 8;
 constexpr int kMaxReference = 15;
 constexpr int kStackScratch = 4096;
 
-using Names = std::initializer_list<std::string_view>;
-
 // Elements whose content is dropped.
 constexpr std::string_view kDropped[] = {"applet", "audio",  "canvas", "dialog",   "form",
                                          "head",   "iframe", "map",    "noscript", "object",
@@ -107,18 +105,13 @@ int ParseAttributes(std::string_view text, Attribute (&attributes)[kMaxAttribute
   return count;
 }
 
-std::string_view FindAttribute(const Attribute* attributes, int count, std::string_view name) {
+// The first attribute of that name, whatever its case; null when there is
+// none.
+const Attribute* FindAttribute(const Attribute* attributes, int count, std::string_view name) {
   for (int i = 0; i < count; ++i) {
-    if (EqualIgnoringCase(attributes[i].name, name)) return attributes[i].value;
+    if (EqualIgnoringCase(attributes[i].name, name)) return &attributes[i];
   }
-  return {};
-}
-
-bool HasAttribute(const Attribute* attributes, int count, std::string_view name) {
-  for (int i = 0; i < count; ++i) {
-    if (EqualIgnoringCase(attributes[i].name, name)) return true;
-  }
-  return false;
+  return nullptr;
 }
 
 class HtmlFilter {
@@ -143,6 +136,10 @@ class HtmlFilter {
     pos_ += static_cast<int32_t>(bytes.size());
   }
   void LineEnd() { Put("\r\n"); }
+  // A line end where there is room and the output does not end in one.
+  void LineEndUnlessThere() {
+    if (pos_ + 2 < limit_ && !EndsWith("\r\n")) LineEnd();
+  }
 
   void OpenTag();
   void CloseTag();
@@ -261,7 +258,7 @@ void HtmlFilter::HandleTag(std::string_view name, std::string_view attributeText
   if (Listed(kBlockStart, name) && EndsWith("\r\n\r\n\r\n")) pos_ -= 2;
   if (Listed(kLineBreak, name)) {
     // Two breaks in a row make one line end, not an empty line.
-    if (pos_ + 2 < limit_ && !EndsWith("\r\n")) LineEnd();
+    LineEndUnlessThere();
     ++blanks_;
   } else if (Listed(kBlockEnd, name)) {
     BlockEnd();
@@ -285,8 +282,9 @@ void HtmlFilter::BlockEnd() {
 
 void HtmlFilter::StructureTag(std::string_view name, const Attribute* attributes, int count) {
   if (name == "a" && count >= 1) {
-    if (!HasAttribute(attributes, count, "href")) return;
-    const auto address = ShownLinkAddress(FindAttribute(attributes, count, "href"));
+    const Attribute* href = FindAttribute(attributes, count, "href");
+    if (href == nullptr) return;
+    const auto address = ShownLinkAddress(href->value);
     if (address && !address->empty() && (address->front() == '#' || address->front() == '/'))
       return;
     if (address && static_cast<int64_t>(address->size()) + pos_ + 3 < limit_) {
@@ -295,16 +293,15 @@ void HtmlFilter::StructureTag(std::string_view name, const Attribute* attributes
       Put("> ");
     }
   } else if (name == "img" && count >= 1) {
-    if (!HasAttribute(attributes, count, "alt")) return;
-    const std::string_view alt = FindAttribute(attributes, count, "alt");
-    if (static_cast<int64_t>(alt.size()) + pos_ + 1 < capacity_ - 6) {
+    const Attribute* alt = FindAttribute(attributes, count, "alt");
+    if (alt != nullptr && static_cast<int64_t>(alt->value.size()) + pos_ + 1 < capacity_ - 6) {
       Put("\r\n[");
-      Put(alt);
+      Put(alt->value);
       Put("]\r\n");
     }
   } else if (name == "ul" || name == "ol") {
     if (listCount_ < kMaxListLevels) lists_[listCount_++] = {name == "ol", name == "ol" ? 1 : 0};
-    if (pos_ + 2 < limit_ && !EndsWith("\r\n")) LineEnd();
+    LineEndUnlessThere();
   } else if (name == "/ul" || name == "/ol") {
     if (listCount_ > 0) --listCount_;
   } else if (name == "li" && listCount_ >= 1) {
@@ -410,26 +407,23 @@ extern "C" int32_t FilterHtmlText(const char* input, int32_t inputLength, char* 
     return 0;
   }
   const auto size = static_cast<int32_t>(length);
-  if (output != nullptr && outputCapacity != 0) {
-    const int32_t written = text::HtmlFilter(input, size, output, outputCapacity).Run();
-    SetLastError(0);
-    return written;
-  }
   // A size query filters into a scratch buffer a little larger than the
   // input.
-  const int32_t scratchSize = ((size + 128) / 256 + 1) * 256;
   char stackScratch[text::kStackScratch];
   std::unique_ptr<char[]> heapScratch;
-  char* scratch = stackScratch;
-  if (scratchSize > text::kStackScratch) {
-    heapScratch.reset(new (std::nothrow) char[scratchSize]);
-    if (!heapScratch) {
-      SetLastError(kErrorOutOfMemory);
-      return 0;
+  if (output == nullptr || outputCapacity == 0) {
+    outputCapacity = ((size + 128) / 256 + 1) * 256;
+    output = stackScratch;
+    if (outputCapacity > text::kStackScratch) {
+      heapScratch.reset(new (std::nothrow) char[outputCapacity]);
+      if (!heapScratch) {
+        SetLastError(kErrorOutOfMemory);
+        return 0;
+      }
+      output = heapScratch.get();
     }
-    scratch = heapScratch.get();
   }
-  const int32_t written = text::HtmlFilter(input, size, scratch, scratchSize).Run();
+  const int32_t written = text::HtmlFilter(input, size, output, outputCapacity).Run();
   SetLastError(0);
   return written;
 }

@@ -76,7 +76,9 @@ class MarkdownFilter {
     return p;
   }
 
+  void Step();
   void LineEnds();
+  void Backticks();
   bool Fence();
   bool LineStart();
   bool Heading();
@@ -108,38 +110,46 @@ class MarkdownFilter {
 };
 
 int64_t MarkdownFilter::Run() {
-  while (at_ < end_) {
-    const char c = *at_;
-    if (IsLineEnd(c)) {
-      LineEnds();
-    } else if (Fence()) {
-    } else if (c == '`') {
-      const char* run = at_;
-      while (at_ < end_ && *at_ == '`')
-        ++at_;
-      if (at_ - run == 1) inlineCode_ = !inlineCode_;
-    } else if (inlineCode_) {
-      Copy(c);
-      ++at_;
-    } else if (atLineStart_ && LineStart()) {
-    } else if ((c == '[' || (c == '!' && at_ + 1 < end_ && at_[1] == '[')) && Link()) {
-    } else if (c == '<' && Angle()) {
-    } else if (c == '\\' && at_ + 1 < end_) {
-      Copy(at_[1]);
-      at_ += 2;
-    } else if (c == '*' || c == '_' || c == '~') {
-      Emphasis();
-    } else {
-      Copy(c);
-      atLineStart_ = false;
-      ++at_;
-    }
-  }
+  while (at_ < end_)
+    Step();
   length_ -= pendingBlanks_;
   if (out_ != nullptr && capacity_ > 0) {
     out_[std::min<int64_t>(length_, capacity_ - 1)] = 0;
   }
   return length_;
+}
+
+// Applies the first rule that fits the input at the cursor.
+void MarkdownFilter::Step() {
+  const char c = *at_;
+  if (IsLineEnd(c)) return LineEnds();
+  if (Fence()) return;
+  if (c == '`') return Backticks();
+  if (inlineCode_) {
+    Copy(c);
+    ++at_;
+    return;
+  }
+  if (atLineStart_ && LineStart()) return;
+  if ((c == '[' || (c == '!' && at_ + 1 < end_ && at_[1] == '[')) && Link()) return;
+  if (c == '<' && Angle()) return;
+  if (c == '\\' && at_ + 1 < end_) {
+    Copy(at_[1]);
+    at_ += 2;
+    return;
+  }
+  if (c == '*' || c == '_' || c == '~') return Emphasis();
+  Copy(c);
+  atLineStart_ = false;
+  ++at_;
+}
+
+// A single backtick toggles inline code; a longer run is dropped alone.
+void MarkdownFilter::Backticks() {
+  const char* run = at_;
+  while (at_ < end_ && *at_ == '`')
+    ++at_;
+  if (at_ - run == 1) inlineCode_ = !inlineCode_;
 }
 
 // A run of line ends keeps at most one empty line.

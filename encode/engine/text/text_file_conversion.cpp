@@ -10,6 +10,7 @@
 #include "errors/last_error.h"
 #include "errors/system_errors.h"
 #include "file_encoder.h"
+#include "files/finished_file.h"
 #include "platform/scoped_file.h"
 #include "text/ascii.h"
 #include "text/code_points.h"
@@ -139,13 +140,18 @@ struct Job {
   uint32_t source;
   uint32_t destination;
   uint32_t options;
-  LineEnds lineEnds;
 };
+
+LineEnds LineEndsOf(uint32_t options) {
+  if (options & kLineEndLf) return LineEnds::kLf;
+  if (options & kLineEndCr) return LineEnds::kCr;
+  return LineEnds::kCrLf;
+}
 
 class Converter {
  public:
   Converter(const Job& job, platform::FileHandle input, platform::FileHandle output)
-      : job_(job), input_(input), output_(output) {
+      : job_(job), lineEnds_(LineEndsOf(job.options)), input_(input), output_(output) {
     if (!IsUtf16(job.source) && job.source != platform::kCodePageUtf8) {
       for (int b = 0x80; b < 256; ++b)
         leadBytes_[b] = platform::IsLeadByte(job.source, static_cast<uint8_t>(b));
@@ -178,6 +184,7 @@ class Converter {
   }
 
   Job job_;
+  LineEnds lineEnds_;
   std::array<bool, 256> leadBytes_{};
   platform::FileHandle input_;
   platform::FileHandle output_;
@@ -216,9 +223,9 @@ void Converter::RewriteLineEnds(std::u16string& text) const {
     if (unit == u'\r') continue;
     if (unit != u'\n') {
       rewritten += unit;
-    } else if (job_.lineEnds == LineEnds::kCrLf) {
+    } else if (lineEnds_ == LineEnds::kCrLf) {
       rewritten += u"\r\n";
-    } else if (job_.lineEnds == LineEnds::kLf) {
+    } else if (lineEnds_ == LineEnds::kLf) {
       rewritten += u'\n';
     } else if (i + 1 < text.size()) {
       rewritten += u'\r';
@@ -320,16 +327,34 @@ bool CheckOutput(const char* name, Target* target) {
   return true;
 }
 
-bool PlaceResult(const std::string& temporary, const platform::FileIdentity& created,
-                 const char* output, const Target& target) {
-  const bool placed =
-      target.exists ? platform::ReplaceFileAtomically(temporary.c_str(), output, target.identity)
-                    : platform::MoveFileToNewName(temporary.c_str(), output);
-  if (!placed) {
-    const KeepLastError keep;
-    platform::RemoveCreatedFile(temporary.c_str(), created);
+// The source encoding from the first bytes: a byte-order mark (skipped)
+// or the content with option 1; without it a UTF-8 or UTF-16 source is only
+// checked, which fails with Strict when the content says otherwise. Leaves
+// the input at the first byte to convert.
+bool ResolveSource(platform::FileHandle input, uint32_t options, uint32_t* source) {
+  uint8_t sample[kDetectionSample];
+  uint32_t sampled = 0;
+  if (!platform::ReadFile(input, sample, sizeof sample, &sampled)) return false;
+  const bool detect = (options & kDetect) != 0;
+  size_t markLength = 0;
+  const uint32_t marked = detect ? CodePageOfMark(sample, sampled, &markLength) : 0;
+  if (marked != 0) {
+    *source = marked;
+  } else if (detect || *source == platform::kCodePageUtf8 || IsUtf16(*source)) {
+    const uint32_t detected = DetectEncoding(sample, sampled);
+    if ((options & kStrict) && (detected == 0 || (!detect && detected != *source))) {
+      return Fail(kErrorNoUnicodeTranslation);
+    }
+    if (detect && detected != 0) *source = detected;
   }
-  return placed;
+  return platform::SeekFile(input, static_cast<int64_t>(markLength));
+}
+
+// A UTF-8 mark needs a UTF-8 destination and no NoBom; NoBom alone only
+// means something for UTF-8 and UTF-16.
+bool MarkOptionsFit(uint32_t destination, uint32_t options) {
+  if (options & kUtf8Bom) return destination == platform::kCodePageUtf8 && !(options & kNoBom);
+  return !(options & kNoBom) || destination == platform::kCodePageUtf8 || IsUtf16(destination);
 }
 
 bool ConvertFile(const char* inputGiven, uint32_t source, const char* outputGiven,
@@ -376,30 +401,8 @@ bool ConvertFile(const char* inputGiven, uint32_t source, const char* outputGive
     return true;
   }
 
-  if (size > 0 && !copyOnly) {
-    uint8_t sample[kDetectionSample];
-    uint32_t sampled = 0;
-    if (!platform::ReadFile(input.get(), sample, sizeof sample, &sampled)) return false;
-    size_t markLength = 0;
-    const uint32_t marked = (options & kDetect) ? CodePageOfMark(sample, sampled, &markLength) : 0;
-    if (marked != 0) {
-      source = marked;
-    } else if ((options & kDetect) || source == platform::kCodePageUtf8 || IsUtf16(source)) {
-      const uint32_t detected = DetectEncoding(sample, sampled);
-      if ((options & kStrict) && (detected == 0 || (!(options & kDetect) && detected != source))) {
-        return Fail(kErrorNoUnicodeTranslation);
-      }
-      if ((options & kDetect) && detected != 0) source = detected;
-    }
-    if (!platform::SeekFile(input.get(), static_cast<int64_t>(markLength))) return false;
-  }
-  if (options & kUtf8Bom) {
-    if (destination != platform::kCodePageUtf8 || (options & kNoBom))
-      return Fail(kErrorInvalidParameter);
-  } else if ((options & kNoBom) && destination != platform::kCodePageUtf8 &&
-             !IsUtf16(destination)) {
-    return Fail(kErrorInvalidParameter);
-  }
+  if (size > 0 && !copyOnly && !ResolveSource(input.get(), options, &source)) return false;
+  if (!MarkOptionsFit(destination, options)) return Fail(kErrorInvalidParameter);
 
   std::string folder;
   if (platform::TempPath(&folder) == 0) folder.assign(1, '.');
@@ -415,13 +418,9 @@ bool ConvertFile(const char* inputGiven, uint32_t source, const char* outputGive
   }
   bool converted = true;
   if (size > 0) {
-    const LineEnds lineEnds = (options & kLineEndLf)   ? LineEnds::kLf
-                              : (options & kLineEndCr) ? LineEnds::kCr
-                                                       : LineEnds::kCrLf;
-    converted =
-        copyOnly
-            ? CopyBytes(input.get(), output.get())
-            : Converter({source, destination, options, lineEnds}, input.get(), output.get()).Run();
+    converted = copyOnly
+                    ? CopyBytes(input.get(), output.get())
+                    : Converter({source, destination, options}, input.get(), output.get()).Run();
   }
   if (converted && (options & kPreserve))
     converted = platform::SetFileTimes(output.get(), created, modified);
@@ -435,7 +434,10 @@ bool ConvertFile(const char* inputGiven, uint32_t source, const char* outputGive
   // A failed conversion leaves its temporary file where it is, as it
   // always has; the output is untouched.
   if (!converted) return false;
-  if (!PlaceResult(temporary, createdFile, outputName.c_str(), target)) return false;
+  if (!files::PlaceFinishedFile(temporary.c_str(), createdFile, outputName.c_str(),
+                                target.exists ? &target.identity : nullptr)) {
+    return false;
+  }
   if (options & kPreserve) {
     const uint32_t kept = inputAttributes & kPreservedAttributes;
     platform::SetFileAttributeBits(outputName.c_str(),

@@ -1,5 +1,5 @@
-// The wide-string forms of the text filters: UTF-16 in and out around a
-// filter that works on UTF-8.
+// The text filters' inputs and outputs: the length of an 8-bit input, and
+// UTF-16 in and out around a filter that works on UTF-8.
 #pragma once
 
 #include <cstdint>
