@@ -7,6 +7,7 @@
 #include "platform/platform.h"
 #include "temp_folder.h"
 #include "test_support.h"
+#include "utf8_samples.h"
 
 #ifdef _WIN32
 
@@ -313,24 +314,14 @@ TEST(CrossCheck, FileDigestsAgainstCoreutils) {
   }
 }
 
-TEST(CrossCheck, Utf8ValidationAgainstPythonStrictDecoding) {
-  // Sequences of random bytes with a bias to UTF-8 lead and continuation
-  // bytes, each given to Python as one line of hexadecimal.
-  std::mt19937 random(11);
-  std::vector<Bytes> sequences;
+// Each sequence's verdict from Python's strict decoder after the same
+// byte-order-mark rule, given one line of hexadecimal per sequence: with
+// surrogateescape every invalid byte shows as a lone surrogate, which
+// well-formed UTF-8 can never produce.
+void ExpectPythonVerdicts(const std::vector<Bytes>& sequences) {
   std::string lines;
-  for (int i = 0; i < 1000000; ++i) {
-    Bytes bytes(1 + random() % 12);
-    for (auto& b : bytes) {
-      const uint32_t r = random();
-      b = static_cast<uint8_t>(r % 4 == 0 ? 0x20 + r % 0x60 : 0x80 + (r >> 8) % 0x80);
-    }
-    sequences.push_back(bytes);
+  for (const Bytes& bytes : sequences)
     lines += Hex(bytes.data(), bytes.size()) + '\n';
-  }
-  // Python's strict decoder after the same byte-order-mark rule: with
-  // surrogateescape every invalid byte shows as a lone surrogate, which
-  // well-formed UTF-8 can never produce.
   const Bytes verdicts = Python(
       "bytes(48 + all(not '\\udc80' <= c <= '\\udcff' for c in (lambda b: b[3:] "
       "if b[:3] == b'\\xef\\xbb\\xbf' else b)(bytes.fromhex(line)).decode('utf-8', "
@@ -342,6 +333,36 @@ TEST(CrossCheck, Utf8ValidationAgainstPythonStrictDecoding) {
         Utf8Validate(sequences[i].data(), static_cast<int32_t>(sequences[i].size())) != 0;
     ASSERT_EQ(ours, verdicts[i] == '1') << i;
   }
+}
+
+TEST(CrossCheck, Utf8ValidationAgainstPythonStrictDecoding) {
+  // Short sequences of random bytes with a bias to UTF-8 lead and
+  // continuation bytes.
+  std::mt19937 random(11);
+  std::vector<Bytes> sequences;
+  for (int i = 0; i < 1000000; ++i) {
+    Bytes bytes(1 + random() % 12);
+    for (auto& b : bytes) {
+      const uint32_t r = random();
+      b = static_cast<uint8_t>(r % 4 == 0 ? 0x20 + r % 0x60 : 0x80 + (r >> 8) % 0x80);
+    }
+    sequences.push_back(bytes);
+  }
+  ExpectPythonVerdicts(sequences);
+}
+
+// Long text, where the vector kernel runs: well-formed or damaged in a
+// few places, without zero bytes (the validator stops at those).
+TEST(CrossCheck, LongUtf8TextAgainstPythonStrictDecoding) {
+  std::mt19937 random(13);
+  std::vector<Bytes> sequences;
+  for (int i = 0; i < 30000; ++i) {
+    Bytes text = MixedUtf8Text(64 + random() % 500, random);
+    for (int d = 0; d < i % 4; ++d)
+      DamageUtf8(text, random);
+    sequences.push_back(text);
+  }
+  ExpectPythonVerdicts(sequences);
 }
 
 // Compatibility decomposition through the platform against Python's

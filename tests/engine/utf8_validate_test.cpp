@@ -1,11 +1,17 @@
 // Utf8Validate: the automaton's verdicts, the zero-byte stop, the
-// byte-order mark, the codes, and the ASCII fast path against a plain
-// byte-at-a-time reference of the same automaton.
+// byte-order mark, the codes, and the ASCII and vector fast paths against a
+// plain decoder written out in full.
 #include <gtest/gtest.h>
 
 #include <random>
 
+#include "cpu/cpu_level.h"
 #include "test_support.h"
+#include "text/utf8_kernels.h"
+#include "utf8_samples.h"
+#if defined(__x86_64__) || defined(__i386__)
+#include "text/x86/kernels.h"
+#endif
 
 namespace fe::test {
 namespace {
@@ -110,6 +116,96 @@ TEST(Utf8Validate, AgreesWithTheReferenceOnRandomAndMutatedText) {
     }
     ASSERT_EQ(Valid(bytes), Reference(bytes)) << round;
   }
+}
+
+TEST(Utf8Validate, LongTextWithDamageAgreesWithTheReference) {
+  std::mt19937 random(23);
+  for (int round = 0; round < 40000; ++round) {
+    Bytes text = MixedUtf8Text(random() % 700, random);
+    const int damage = round % 4;
+    for (int d = 0; d < damage; ++d)
+      DamageUtf8(text, random);
+    ASSERT_EQ(Valid(text), Reference(text)) << round;
+  }
+}
+
+// Each malformed sequence at every offset of a few 64-byte steps, among
+// ASCII and among other non-ASCII text, so that it falls on every lane and
+// across every step boundary.
+TEST(Utf8Validate, MalformedSequenceAtEveryOffset) {
+  const std::vector<Bytes> malformed = {{0x80},
+                                        {0xBF},
+                                        {0xC0, 0x80},
+                                        {0xC1, 0xBF},
+                                        {0xC2},
+                                        {0xC2, 0x41},
+                                        {0xE0, 0x9F, 0xBF},
+                                        {0xE1, 0x80},
+                                        {0xED, 0xA0, 0x80},
+                                        {0xEF, 0xBF},
+                                        {0xF0, 0x8F, 0xBF, 0xBF},
+                                        {0xF4, 0x90, 0x80, 0x80},
+                                        {0xF5, 0x80, 0x80, 0x80},
+                                        {0xF8},
+                                        {0xFF},
+                                        {0xF1, 0x80, 0x80},
+                                        {0xC3, 0xA9, 0xA9}};
+  std::mt19937 random(5);
+  for (const Bytes& around : {Bytes(200, 'a'), MixedUtf8Text(200, random)}) {
+    for (const Bytes& bad : malformed) {
+      for (size_t at = 0; at <= 140; ++at) {
+        Bytes text(around.begin(), around.end());
+        // Start the damage on a character boundary of the surrounding text.
+        while (at < text.size() && (text[at] & 0xC0) == 0x80)
+          ++at;
+        text.insert(text.begin() + static_cast<std::ptrdiff_t>(at), bad.begin(), bad.end());
+        ASSERT_EQ(Valid(text), Reference(text)) << Hex(bad.data(), bad.size()) << " at " << at;
+        ASSERT_FALSE(Valid(text)) << Hex(bad.data(), bad.size()) << " at " << at;
+      }
+    }
+  }
+}
+
+TEST(Utf8Validate, SequenceCutAtTheEndOfEveryLength) {
+  std::mt19937 random(31);
+  const Bytes text = MixedUtf8Text(400, random);
+  for (size_t length = 1; length <= text.size(); ++length) {
+    const Bytes prefix(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(length));
+    ASSERT_EQ(Valid(prefix), Reference(prefix)) << length;
+  }
+}
+
+#if defined(__x86_64__) || defined(__i386__)
+// The AVX2 kernel only vouches for whole sequences, and for well-formed
+// text it vouches for all but the last unfinished step.
+TEST(Utf8Validate, Avx2KernelPrefixIsWholeSequences) {
+  if (cpu::SupportedLevel() < cpu::Level::kAvx2) GTEST_SKIP() << "no AVX2 here";
+  std::mt19937 random(41);
+  for (int round = 0; round < 20000; ++round) {
+    Bytes text = MixedUtf8Text(random() % 600, random);
+    const bool damaged = round % 2 == 1;
+    if (damaged) DamageUtf8(text, random);
+    for (auto& b : text)
+      if (b == 0) b = 'z';
+    const size_t prefix = text::x86::Utf8WellFormedPrefixAvx2(text.data(), text.size());
+    ASSERT_LE(prefix, text.size());
+    if (prefix > 0) {
+      const Bytes vouched(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(prefix));
+      ASSERT_TRUE(Reference(vouched)) << round;
+    }
+    if (!damaged) ASSERT_GE(prefix + 64 + 3, text.size()) << round;
+  }
+}
+#endif
+
+TEST(Utf8Validate, KernelChoiceFollowsTheProcessorAndTheCap) {
+  EXPECT_EQ(cpu::CapFromName("scalar"), cpu::Level::kScalar);
+  EXPECT_EQ(cpu::CapFromName("sse"), cpu::Level::kSse);
+  EXPECT_EQ(cpu::CapFromName("avx2"), cpu::Level::kAvx2);
+  EXPECT_EQ(cpu::CapFromName("avx512"), cpu::Level::kAvx512);
+  EXPECT_EQ(cpu::CapFromName(nullptr), cpu::Level::kAvx512);
+  EXPECT_LE(cpu::ChosenLevel(), cpu::SupportedLevel());
+  EXPECT_EQ(text::ChosenUtf8PrefixKernel() != nullptr, cpu::ChosenLevel() >= cpu::Level::kAvx2);
 }
 
 }  // namespace

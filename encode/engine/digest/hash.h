@@ -18,7 +18,7 @@ void Sha1Blocks(uint32_t* state, const uint8_t* blocks, size_t count);
 void Sha256Blocks(uint32_t* state, const uint8_t* blocks, size_t count);
 
 // The block function this processor runs fastest; the portable one when
-// FE_SIMD=none is set in the environment.
+// FE_CPU=scalar is set in the environment.
 BlockFunction FastestBlocks(HashKind kind);
 
 class Hash {
