@@ -26,7 +26,7 @@ i686-w64-mingw32-windmc i686-w64-mingw32-ar i686-w64-mingw32-objdump
 wine wineboot wineserver winepath xvfb-run Xvfb xauth import
 dpkg-source
 /usr/bin/python3 basenc base64 uuencode uudecode uudeview uuenview bzip2 xz openssl
-awk sed grep tr seq mktemp realpath cut md5sum sha1sum sha256sum iconv
+awk sed grep tr seq mktemp realpath cut md5sum sha1sum sha256sum iconv m4
 """.split()
 
 

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <random>
+
 #include "test_support.h"
 
 namespace fe::test {
@@ -30,6 +32,31 @@ std::string PlainBase58(const Bytes& input) {
   return out;
 }
 
+// The plain conversion the other way: each character multiplies the number
+// by 58 and adds its value.
+Bytes PlainBase58Decode(const std::string& text) {
+  static const std::string alphabet = "123456789ABCDEFGHJKLMNPQRSTUVWXYZabcdefghijkmnopqrstuvwxyz";
+  size_t ones = 0;
+  while (ones < text.size() && text[ones] == '1')
+    ++ones;
+  Bytes number;  // least significant first
+  for (size_t i = ones; i < text.size(); ++i) {
+    int carry = static_cast<int>(alphabet.find(text[i]));
+    for (auto& b : number) {
+      carry += b * 58;
+      b = static_cast<uint8_t>(carry & 0xFF);
+      carry >>= 8;
+    }
+    while (carry) {
+      number.push_back(static_cast<uint8_t>(carry & 0xFF));
+      carry >>= 8;
+    }
+  }
+  Bytes out(ones, 0);
+  out.insert(out.end(), number.rbegin(), number.rend());
+  return out;
+}
+
 TEST(Base58, LeadingZerosBecomeOnes) {
   EXPECT_EQ(Encode(Bytes{0, 0, 1}, dataEncodeBase58), "112");
 }
@@ -55,6 +82,31 @@ TEST(Base58, EncoderMatchesPlainConversion) {
     Bytes input = RandomBytes(length, static_cast<uint32_t>(length));
     if (length % 7 == 0 && length > 2) input[0] = input[1] = 0;
     ASSERT_EQ(Encode(input, dataEncodeBase58), PlainBase58(input)) << length;
+  }
+}
+
+// Long enough for the divide-and-conquer conversion (it takes over from a
+// few hundred bytes on), with leading zero bytes and '1' characters.
+TEST(Base58, LongInputsMatchThePlainConversionBothWays) {
+  for (size_t length : {299u, 512u, 1000u, 2049u, 4096u, 8191u}) {
+    Bytes input = RandomBytes(length, static_cast<uint32_t>(length));
+    input[0] = 0;
+    const std::string text = Encode(input, dataEncodeBase58);
+    ASSERT_EQ(text, PlainBase58(input)) << length;
+    const std::string typed = "11" + text.substr(0, text.size() / 2) + "zz";
+    ASSERT_EQ(Decode(typed, dataDecodeBase58), PlainBase58Decode(typed)) << length;
+  }
+}
+
+TEST(Base58, RoundTripOverRandomLengths) {
+  std::mt19937 random(58);
+  for (int round = 0; round < 400; ++round) {
+    Bytes input = RandomBytes(random() % 700, random());
+    for (size_t z = random() % 4; z > 0 && z <= input.size(); --z)
+      input[z - 1] = 0;
+    const std::string text = Encode(input, dataEncodeBase58);
+    ASSERT_EQ(Decode(text, dataDecodeBase58), input) << round;
+    ASSERT_EQ(PlainBase58Decode(text), input) << round;
   }
 }
 

@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <cstdio>
 #include <fstream>
 #include <string>
@@ -118,6 +119,19 @@ TEST(LargeFiles, EncryptionPastFourGibibytes) {
   const size_t n = fread(text, 1, sizeof text - 1, pipe);
   EXPECT_EQ(pclose(pipe), 0);
   EXPECT_EQ(std::string(text, n), "tail!");
+}
+
+// Base58 converts the whole input as one number; a megabyte each way must
+// not take minutes.
+TEST(LargeFiles, Base58OfAMebibyteInUnderASecond) {
+  const Bytes input = RandomBytes(1 << 20, 58);
+  const auto start = std::chrono::steady_clock::now();
+  const std::string text = Encode(input, dataEncodeBase58);
+  const Bytes back = Decode(text, dataDecodeBase58);
+  const double seconds =
+      std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+  ASSERT_EQ(back, input);
+  EXPECT_LT(seconds, 1.0);
 }
 
 }  // namespace
