@@ -5,6 +5,7 @@
 #include <array>
 #include <cstdio>
 #include <cstring>
+#include <memory>
 #include <string>
 
 #include "crypt/key_string.h"
@@ -12,6 +13,7 @@
 #include "errors/last_error.h"
 #include "errors/system_errors.h"
 #include "file_encoder.h"
+#include "files/file_codec.h"
 #include "files/finished_file.h"
 #include "platform/scoped_file.h"
 
@@ -69,7 +71,9 @@ bool MakeTemporaryFile(std::string* name) {
   return true;
 }
 
-// Runs the cipher over the input into the open temporary file; the
+// Runs the cipher over the input into the open temporary file, in the
+// 4096-byte chunks of the buffer form; reads and writes go through 64 KiB
+// buffers, which are cleared afterwards like the work buffer. The
 // service's code, or 0.
 uint32_t Transform(bool encrypt, const char* password, platform::FileHandle input, uint64_t size,
                    platform::FileHandle output) {
@@ -80,30 +84,34 @@ uint32_t Transform(bool encrypt, const char* password, platform::FileHandle inpu
       platform::OpenCipherKey(reinterpret_cast<const uint8_t*>(keyString), keyLength, &key);
   Wipe(keyString, sizeof keyString);
   if (opened != 0) return opened;
+  auto reader = std::make_unique<files::BufferedReader>(input);
+  auto writer = std::make_unique<files::BufferedWriter>(output);
   std::array<uint8_t, kEncryptWorkSize> work{};
   const uint32_t workSize = encrypt ? kEncryptWorkSize : kChunkSize;
   uint64_t total = 0;
   bool final = false;
   uint32_t error = 0;
-  uint32_t read = 0;
   // A failed read ends the loop as the end of the file would, without an
   // error, as files made by earlier versions were: what was transformed so
   // far is the result.
-  bool reading = platform::ReadFile(input, work.data(), kChunkSize, &read);
-  while (reading && read > 0) {
+  uint32_t read = reader->Read(work.data(), kChunkSize);
+  while (read > 0) {
     total += read;
     if (total == size) final = true;
     uint32_t length = read;
     error = platform::CipherTransform(key, encrypt, final, work.data(), &length, workSize);
     if (error != 0) break;
-    uint32_t written = 0;
-    if (!platform::WriteFile(output, work.data(), length, &written) || written != length) {
-      error = LastError();
-      break;
-    }
+    writer->Write(work.data(), length);
     Wipe(work.data(), work.size());
-    reading = platform::ReadFile(input, work.data(), kChunkSize, &read);
+    read = reader->Read(work.data(), kChunkSize);
   }
+  if (error == 0) {
+    writer->Flush();
+    if (writer->Failed()) error = LastError();
+  }
+  writer->Discard();
+  writer->Wipe();
+  reader->Wipe();
   Wipe(work.data(), work.size());
   platform::CloseCipherKey(key);
   return error;

@@ -1,16 +1,16 @@
 // Clears memory that held key material, plain text or random bytes, in a
-// way the compiler cannot drop.
+// way the compiler cannot drop: a plain memset followed by a barrier that
+// makes the cleared bytes look used, so the clearing runs at memset speed.
 #pragma once
 
 #include <cstddef>
-#include <cstdint>
+#include <cstring>
 
 namespace fe::crypt {
 
 inline void Wipe(void* memory, size_t size) {
-  auto* p = static_cast<volatile uint8_t*>(memory);
-  while (size-- > 0)
-    *p++ = 0;
+  std::memset(memory, 0, size);
+  __asm__ __volatile__("" : : "r"(memory) : "memory");
 }
 
 }  // namespace fe::crypt

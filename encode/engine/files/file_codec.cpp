@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "crypt/wipe.h"
 #include "errors/last_error.h"
 #include "errors/system_errors.h"
 
@@ -55,6 +56,11 @@ uint32_t BufferedReader::Read(void* buffer, uint32_t size) {
   return done;
 }
 
+void BufferedReader::Wipe() {
+  crypt::Wipe(data_, sizeof data_);
+  at_ = length_ = 0;
+}
+
 void BufferedWriter::Write(const void* data, uint32_t size) {
   const auto* in = static_cast<const uint8_t*>(data);
   while (size > 0) {
@@ -69,6 +75,11 @@ void BufferedWriter::Write(const void* data, uint32_t size) {
 
 void BufferedWriter::Flush() {
   if (length_ > 0 && !failed_) failed_ = !compress::WriteAll(file_, data_, length_);
+  length_ = 0;
+}
+
+void BufferedWriter::Wipe() {
+  crypt::Wipe(data_, sizeof data_);
   length_ = 0;
 }
 

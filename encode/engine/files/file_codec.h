@@ -36,6 +36,8 @@ class BufferedReader {
   // Up to size bytes; fewer only at the end of the file (0 there, or when a
   // read fails).
   uint32_t Read(void* buffer, uint32_t size);
+  // Clears the buffer, for callers that read secrets.
+  void Wipe();
 
  private:
   platform::FileHandle file_;
@@ -58,6 +60,9 @@ class BufferedWriter {
   bool Failed() const { return failed_; }
   // Drops what is still buffered.
   void Discard() { length_ = 0; }
+  // Clears the buffer (after Flush or Discard), for callers that write
+  // secrets.
+  void Wipe();
 
  private:
   platform::FileHandle file_;
