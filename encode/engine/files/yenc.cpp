@@ -10,6 +10,7 @@
 #include <string>
 
 #include "codecs/codec_internal.h"
+#include "digest/crc32.h"
 #include "errors/last_error.h"
 #include "errors/system_errors.h"
 #include "file_encoder.h"
@@ -24,21 +25,6 @@ constexpr long kLineLength = 128;
 constexpr size_t kReadChunk = 4096;
 constexpr int kMaxLine = 4096;
 constexpr size_t kMaxName = 259;
-
-constexpr auto kCrcTable = [] {
-  std::array<uint32_t, 256> table{};
-  for (uint32_t i = 0; i < 256; ++i) {
-    uint32_t crc = i;
-    for (int k = 0; k < 8; ++k)
-      crc = crc & 1 ? (crc >> 1) ^ 0xEDB88320u : crc >> 1;
-    table[i] = crc;
-  }
-  return table;
-}();
-
-uint32_t UpdateCrc(uint32_t crc, uint8_t byte) {
-  return kCrcTable[(crc ^ byte) & 0xFF] ^ (crc >> 8);
-}
 
 // NUL, TAB, LF, CR, '.' and '=' are escaped wherever they stand.
 bool IsCritical(uint8_t c) {
@@ -188,16 +174,16 @@ class Decoder {
           c = static_cast<uint8_t>(static_cast<uint8_t>(next) - 64);
           ++p;
         }
-        const auto byte = static_cast<uint8_t>(c - 42);
-        *crc = UpdateCrc(*crc, byte);
         ++*count;
-        buffer[used++] = byte;
+        buffer[used++] = static_cast<uint8_t>(c - 42);
         if (used == sizeof buffer) {
+          *crc = fe::digest::Crc32Update(*crc, buffer, used);
           if (!fe::compress::WriteAll(output_.get(), buffer, used)) return false;
           used = 0;
         }
       }
     }
+    *crc = fe::digest::Crc32Update(*crc, buffer, used);
     return fe::compress::WriteAll(output_.get(), buffer, used);
   }
 
@@ -283,8 +269,8 @@ int YencodeFile(const char* inputName, const char* outputName) {
       if (fe::LastError() == 0) fe::SetLastError(fe::kErrorInvalidData);
       return fail();
     }
+    crc = fe::digest::Crc32Update(crc, chunk, n);
     for (uint32_t i = 0; i < n; ++i) {
-      crc = UpdateCrc(crc, chunk[i]);
       const auto c = static_cast<uint8_t>(chunk[i] + 42);
       if (IsCritical(c)) {
         line[used++] = '=';
