@@ -5,6 +5,7 @@
 // needs; the digits are the same.
 #include <gmp.h>
 
+#include <cstdint>
 #include <cstring>
 
 #include "codecs/codec_internal.h"
@@ -37,15 +38,25 @@ mp_size_t Normalized(const mp_limb_t* limbs, mp_size_t size) {
 }
 
 // Limbs enough for `count` digits of `radix` (6 bits rounded up for 58).
-size_t LimbsFor(size_t count, int radix) {
-  return count * (radix == 256 ? 8 : 6) / GMP_NUMB_BITS + 2;
+// Counted in 64 bits: on 32-bit Windows the bit count of a large input
+// does not fit in size_t.
+uint64_t LimbsFor(size_t count, int radix) {
+  return uint64_t{count} * (radix == 256 ? 8 : 6) / GMP_NUMB_BITS + 2;
+}
+
+// A count of items as size_t, or 0 (an allocation that fails) when the
+// bytes they take would not fit in this process's address space.
+size_t Fitting(uint64_t count, size_t itemSize) {
+  return count > SIZE_MAX / itemSize ? 0 : static_cast<size_t>(count);
 }
 
 // Digits (values 0 to radix-1, most significant first) of a nonzero number
 // given as digits in another radix, without leading zero digits. `to` must
 // hold DigitRoom digits. Returns the count, or -1 when memory runs out.
 int64_t ConvertRadix(const uint8_t* from, size_t count, int fromRadix, uint8_t* to, int toRadix) {
-  const size_t limbCount = LimbsFor(count, fromRadix);
+  // Four times over for the scratch check, so that fits too.
+  const size_t limbCount = Fitting(LimbsFor(count, fromRadix), 4 * sizeof(mp_limb_t));
+  if (limbCount == 0) return -1;
   fe::platform::ZeroedBlock<mp_limb_t> limbs(limbCount);
   if (limbs.data() == nullptr || !ScratchAvailable(limbCount)) return -1;
   const mp_size_t size =
@@ -61,10 +72,11 @@ int64_t ConvertRadix(const uint8_t* from, size_t count, int fromRadix, uint8_t* 
 
 // Room mpn_get_str needs for `count` digits of `fromRadix` in `toRadix`:
 // every limb's worth of digits plus one.
+// 0 when that is more than this process can address.
 size_t DigitRoom(size_t count, int fromRadix, int toRadix) {
-  const size_t bits = LimbsFor(count, fromRadix) * GMP_NUMB_BITS;
+  const uint64_t bits = LimbsFor(count, fromRadix) * GMP_NUMB_BITS;
   // 58 needs 5.858 bits a digit, 256 exactly 8.
-  return (toRadix == 256 ? bits / 8 : bits * 1000 / 5857) + 2;
+  return Fitting((toRadix == 256 ? bits / 8 : bits * 1000 / 5857) + 2, 1);
 }
 
 }  // namespace
@@ -84,9 +96,10 @@ int32_t Base58Encode(const uint8_t* input, int32_t length, char* output, int32_t
     ++zeros;
 
   const auto significant = static_cast<size_t>(length - zeros);
-  fe::platform::ZeroedBlock<uint8_t> block(DigitRoom(significant, 256, kRadix));
+  const size_t room = DigitRoom(significant, 256, kRadix);
+  fe::platform::ZeroedBlock<uint8_t> block(room);
   uint8_t* const digits = block.data();
-  if (digits == nullptr) return fe::FailWith(fe::kErrorOutOfMemory);
+  if (room == 0 || digits == nullptr) return fe::FailWith(fe::kErrorOutOfMemory);
   const int64_t count =
       significant == 0 ? 0 : ConvertRadix(input + zeros, significant, 256, digits, kRadix);
   if (count < 0) return fe::FailWith(fe::kErrorOutOfMemory);
@@ -109,9 +122,12 @@ int32_t Base58Decode(const char* text, uint8_t* output, int32_t capacity) {
 
   const size_t significant = length - ones;
   fe::platform::ZeroedBlock<uint8_t> values(significant + 1);
-  fe::platform::ZeroedBlock<uint8_t> block(DigitRoom(significant, kRadix, 256));
+  const size_t room = DigitRoom(significant, kRadix, 256);
+  fe::platform::ZeroedBlock<uint8_t> block(room);
   uint8_t* const bytes = block.data();
-  if (values.data() == nullptr || bytes == nullptr) return fe::FailWith(fe::kErrorOutOfMemory);
+  if (values.data() == nullptr || room == 0 || bytes == nullptr) {
+    return fe::FailWith(fe::kErrorOutOfMemory);
+  }
   for (size_t i = 0; i < significant; ++i) {
     const uint8_t value = kValueOf[in[ones + i]];
     if (value == kNotInAlphabet) return fe::FailWith(fe::kErrorInvalidData);
