@@ -40,15 +40,12 @@ Detected Detect() {
   const bool sse = Bit(ecx, 9) && Bit(ecx, 19);
   const bool os_saves_avx = Bit(ecx, 27) && Bit(ecx, 28);
   found.extras.pclmul = Bit(ecx, 1);
-  found.extras.aes = Bit(ecx, 25);
   unsigned b7 = 0, c7 = 0, d7 = 0;
   if (!__get_cpuid_count(7, 0, &eax, &b7, &c7, &d7)) b7 = c7 = 0;
   found.extras.sha = Bit(b7, 29);
   const uint64_t saved = os_saves_avx ? SavedStateMask() : 0;
   const bool ymm = (saved & 0x6) == 0x6;
   const bool zmm = (saved & 0xE6) == 0xE6;
-  found.extras.vpclmul = ymm && Bit(c7, 10);
-  found.extras.vaes = ymm && Bit(c7, 9);
   if (!sse) return found;
   found.level = Level::kSse;
   if (!ymm || !Bit(b7, 5)) return found;

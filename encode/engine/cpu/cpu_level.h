@@ -18,9 +18,6 @@ enum class Level : uint8_t {
 struct Extras {
   bool sha = false;
   bool pclmul = false;
-  bool vpclmul = false;
-  bool aes = false;
-  bool vaes = false;
 };
 
 // What this processor and operating system support.
