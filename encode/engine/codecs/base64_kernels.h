@@ -1,0 +1,27 @@
+// The vector kernels the Base64 coders run over the bulk of their input,
+// chosen once per process for this processor and FE_CPU. A kernel only
+// takes whole groups that the table loops would turn into the same bytes;
+// line breaks, capacity stops, padding and every byte outside the alphabet
+// stay with the portable state machines.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace fe::codecs {
+
+struct Base64Kernels {
+  // Writes four characters for each of the first `groups` 3-byte groups of
+  // `in`, reading no byte at or past in + readable (readable >= 3 * groups).
+  // Returns how many leading groups it wrote; the caller writes the rest.
+  size_t (*encodeGroups)(const uint8_t* in, size_t groups, size_t readable, char* out);
+  // Decodes leading 4-character groups of `text` (at most `groups`) as long
+  // as they hold only alphabet characters, writing exactly three bytes per
+  // group it returns; it may stop earlier, the caller decodes from there.
+  size_t (*decodeCleanGroups)(const uint8_t* text, size_t groups, uint8_t* out);
+};
+
+// Null when no kernel fits this processor or FE_CPU=scalar.
+const Base64Kernels* ChosenBase64Kernels();
+
+}  // namespace fe::codecs

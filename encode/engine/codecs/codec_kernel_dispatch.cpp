@@ -1,0 +1,33 @@
+// The only place that knows which vector kernels the codecs have.
+#include "codecs/base64_kernels.h"
+#include "cpu/cpu_level.h"
+
+#if defined(__x86_64__) || defined(__i386__)
+#include "codecs/x86/kernels.h"
+#define FE_CODECS_X86 1
+#endif
+
+namespace fe::codecs {
+
+namespace {
+
+const Base64Kernels* PickBase64Kernels() {
+#ifdef FE_CODECS_X86
+  static constexpr Base64Kernels kAvx512{x86::Base64EncodeGroupsAvx512,
+                                         x86::Base64DecodeCleanGroupsAvx512};
+  static constexpr Base64Kernels kAvx2{x86::Base64EncodeGroupsAvx2,
+                                       x86::Base64DecodeCleanGroupsAvx2};
+  if (cpu::ChosenLevel() >= cpu::Level::kAvx512) return &kAvx512;
+  if (cpu::ChosenLevel() >= cpu::Level::kAvx2) return &kAvx2;
+#endif
+  return nullptr;
+}
+
+}  // namespace
+
+const Base64Kernels* ChosenBase64Kernels() {
+  static const Base64Kernels* const chosen = PickBase64Kernels();
+  return chosen;
+}
+
+}  // namespace fe::codecs

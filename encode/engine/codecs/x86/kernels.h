@@ -1,0 +1,16 @@
+// Vector kernels of the codecs. Only the dispatch unit names them, after
+// cpuid; their contracts are those of codecs/base64_kernels.h.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace fe::codecs::x86 {
+
+size_t Base64EncodeGroupsAvx2(const uint8_t* in, size_t groups, size_t readable, char* out);
+size_t Base64DecodeCleanGroupsAvx2(const uint8_t* text, size_t groups, uint8_t* out);
+
+size_t Base64EncodeGroupsAvx512(const uint8_t* in, size_t groups, size_t readable, char* out);
+size_t Base64DecodeCleanGroupsAvx512(const uint8_t* text, size_t groups, uint8_t* out);
+
+}  // namespace fe::codecs::x86

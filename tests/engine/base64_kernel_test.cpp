@@ -1,0 +1,122 @@
+// The Base64 chunk coders against the character-at-a-time machines at every
+// length up to 4096, split at random places into chunks of random capacity.
+// make test runs this suite at every instruction-set level (FE_CPU), so the
+// vector kernels and the table loops both face it.
+#include <gtest/gtest.h>
+
+#include <random>
+#include <string>
+#include <vector>
+
+#include "codecs/base64_kernels.h"
+#include "cpu/cpu_level.h"
+#include "reference/base64_reference.h"
+#include "test_support.h"
+
+namespace fe::test {
+namespace {
+
+constexpr int32_t kLongest = 4096;
+
+// A chunk length: mostly short pieces at first, then long ones, so that
+// group, line and kernel-step boundaries all land inside and between chunks.
+int32_t PieceLength(std::mt19937& random, int32_t left) {
+  const int32_t most = random() % 3 == 0 ? 24 : 3000;
+  return std::min(left, 1 + static_cast<int32_t>(random() % static_cast<uint32_t>(most)));
+}
+
+void ExpectSameEncoderState(const Base64State& fast, const Base64State& plain) {
+  ASSERT_EQ(fast.phase, plain.phase);
+  ASSERT_EQ(fast.column, plain.column);
+  for (int i = 0; i < 3; ++i)
+    ASSERT_EQ(fast.saved[i], plain.saved[i]);
+}
+
+TEST(Base64Kernels, EncoderAgreesWithThePlainMachineAtEveryLength) {
+  std::mt19937 random(2024);
+  for (int32_t length = 0; length <= kLongest; ++length) {
+    const Bytes input = RandomBytes(static_cast<size_t>(length), static_cast<uint32_t>(length));
+    const bool wrap = length % 2 == 1;
+    Base64State fast{}, plain{};
+    int32_t offset = 0;
+    do {
+      const int32_t piece = PieceLength(random, length - offset);
+      // From the smallest capacity the coder accepts upwards, so that it
+      // stops for room before a group, before a line break and inside one.
+      const int32_t least = piece + piece / 3;
+      const int32_t capacity =
+          least + static_cast<int32_t>(random() % (random() % 4 == 0 ? 400u : 6u));
+      std::vector<char> a(static_cast<size_t>(capacity) + 8, '#'), b = a;
+      const int32_t na =
+          Base64EncodeChunk(input.data() + offset, piece, a.data(), capacity, &fast, wrap);
+      const int32_t nb = reference::Base64EncodeChunk(input.data() + offset, piece, b.data(),
+                                                      capacity, &plain, wrap);
+      ASSERT_EQ(na, nb) << "length " << length << " offset " << offset;
+      ASSERT_EQ(a, b) << "length " << length << " offset " << offset;
+      ExpectSameEncoderState(fast, plain);
+      offset += piece;
+    } while (offset < length);
+    char tailA[8], tailB[8];
+    ASSERT_EQ(Base64EncodeFinish(&fast, tailA, wrap), Base64EncodeFinish(&plain, tailB, wrap));
+  }
+}
+
+// Base64 text of `length` characters (wrapped for odd lengths) with up to
+// three characters replaced by ones a decoder must treat specially.
+std::string DamagedText(std::mt19937& random, int32_t length) {
+  const uint32_t flags = dataEncodeBase64 | (length % 2 ? dataEncodeWrapLines : 0);
+  std::string text = Encode(RandomBytes(static_cast<size_t>(length), random()), flags);
+  text.resize(static_cast<size_t>(length), 'Q');
+  static const std::string noise("=\r\n \t\v!-_.:@[`{\x7F\x80\xC3\xFF\0", 21);
+  for (int k = static_cast<int>(random() % 4); k > 0 && length > 0; --k) {
+    text[random() % static_cast<uint32_t>(length)] = noise[random() % noise.size()];
+  }
+  return text;
+}
+
+TEST(Base64Kernels, DecoderAgreesWithThePlainMachineAtEveryLength) {
+  std::mt19937 random(4096);
+  for (int32_t length = 0; length <= kLongest; ++length) {
+    const std::string text = DamagedText(random, length);
+    Base64State fast{}, plain{};
+    int32_t offset = 0;
+    do {
+      const int32_t piece = PieceLength(random, length - offset);
+      const auto capacity = static_cast<int32_t>(random() % static_cast<uint32_t>(piece + 4));
+      Bytes a(static_cast<size_t>(capacity) + 8, 0xA5), b = a;
+      const int32_t na = Base64DecodeChunk(text.data() + offset, piece, a.data(), capacity, &fast);
+      const int32_t nb =
+          reference::Base64DecodeChunk(text.data() + offset, piece, b.data(), capacity, &plain);
+      ASSERT_EQ(na, nb) << "length " << length << " offset " << offset;
+      ASSERT_EQ(a, b) << "length " << length << " offset " << offset;
+      if (na < 0) break;
+      ASSERT_EQ(fast.phase, plain.phase);
+      offset += piece;
+    } while (offset < length);
+  }
+}
+
+TEST(Base64Kernels, EveryByteAtEveryPositionDecodesAsThePlainMachine) {
+  const std::string clean = Encode(RandomBytes(72, 5), dataEncodeBase64);
+  ASSERT_EQ(clean.size(), 96u);
+  for (size_t position = 0; position < clean.size(); ++position) {
+    for (int c = 0; c < 256; ++c) {
+      std::string text = clean;
+      text[position] = static_cast<char>(c);
+      Base64State fast{}, plain{};
+      Bytes a(80, 0xA5), b = a;
+      const auto length = static_cast<int32_t>(text.size());
+      ASSERT_EQ(Base64DecodeChunk(text.data(), length, a.data(), 72, &fast),
+                reference::Base64DecodeChunk(text.data(), length, b.data(), 72, &plain))
+          << "byte " << c << " at " << position;
+      ASSERT_EQ(a, b) << "byte " << c << " at " << position;
+    }
+  }
+}
+
+TEST(Base64Kernels, ChoiceFollowsTheProcessorAndTheCap) {
+  EXPECT_EQ(codecs::ChosenBase64Kernels() != nullptr, cpu::ChosenLevel() >= cpu::Level::kAvx2);
+}
+
+}  // namespace
+}  // namespace fe::test
