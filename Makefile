@@ -25,8 +25,10 @@ demo-engine: native
 	@$(BUILD)/native/examples/encode_demo
 
 bench: bootstrap
+	@scripts/build-bench-peers.sh $(BUILD)
 	@$(CMAKE) -S . -B $(BUILD)/bench -DCMAKE_BUILD_TYPE=Release -DFE_BENCH=ON >/dev/null
-	@cmake --build $(BUILD)/bench -j$(JOBS) --target codec_bench file_bench secure_bench text_bench
+	@cmake --build $(BUILD)/bench -j$(JOBS) --target codec_bench file_bench secure_bench text_bench peer_bench
+	@$(BUILD)/bench/bench/peer_bench
 	@$(BUILD)/bench/bench/codec_bench --benchmark_counters_tabular=true
 	@$(BUILD)/bench/bench/file_bench
 	@$(BUILD)/bench/bench/secure_bench

@@ -19,28 +19,8 @@
 
 namespace {
 
-using fe::bench::SecondsOf;
+using fe::bench::Compare;
 using fe::bench::Tool;
-
-constexpr int kRounds = 3;
-
-// Ours against a peer, taking turns; prints MB/s of both and the ratio.
-void Compare(const char* what, double megabytes, const std::function<bool()>& ours,
-             const std::function<bool()>& peer, const std::string& shown) {
-  double mine = 1e9, theirs = 1e9;
-  bool ok = true, theirsOk = true;
-  for (int round = 0; round < kRounds; ++round) {
-    bool done = false;
-    mine = std::min(mine, SecondsOf(ours, &done));
-    ok &= done;
-    theirs = std::min(theirs, SecondsOf(peer, &done));
-    theirsOk &= done;
-  }
-  std::printf("%-22s %8.1f MB/s%s  %8.1f MB/s%s  ratio %.2f  %s\n", what, megabytes / mine,
-              ok ? "" : " (FAILED)", megabytes / theirs, theirsOk ? "" : " (FAILED)", theirs / mine,
-              shown.c_str());
-  std::fflush(stdout);
-}
 
 // Ours against a command line doing the same work.
 void Row(const char* what, double megabytes, const std::function<bool()>& ours,
@@ -111,7 +91,7 @@ int main() {
   }
   const double mb = static_cast<double>(megabytes) * 1.048576;
   std::printf("%zu MiB file, best of %d interleaved rounds: ours, theirs, theirs/ours\n\n",
-              megabytes, kRounds);
+              megabytes, 3);
   // The key the engine derives from the password "bench".
   const std::string key =
       "$(/usr/bin/python3 -c \"import hashlib;print(hashlib.sha256("

@@ -114,6 +114,33 @@ TEST(Base64Kernels, EveryByteAtEveryPositionDecodesAsThePlainMachine) {
   }
 }
 
+// DecodeBuffer measures its text a piece at a time: damage, padding, a
+// full buffer and the terminator placed around the piece boundaries must
+// give what one pass over the whole text gives.
+TEST(Base64Kernels, DecodeBufferAgreesWithOnePassAroundItsPieces) {
+  constexpr size_t kPiece = 64 * 1024;
+  std::mt19937 random(65536);
+  const std::string clean = Encode(RandomBytes(3 * kPiece, 77), dataEncodeBase64);
+  static const std::string noise("=\r\n!\x80", 5);
+  for (int round = 0; round < 300; ++round) {
+    std::string text = clean.substr(0, kPiece + random() % (2 * kPiece));
+    const size_t boundary = kPiece * (1 + random() % 2);
+    for (int k = static_cast<int>(random() % 3); k > 0; --k) {
+      const size_t at = boundary - 6 + random() % 12;
+      if (at < text.size()) text[at] = noise[random() % noise.size()];
+    }
+    const auto capacity = static_cast<int32_t>(random() % 4 == 0 ? boundary * 3 / 4 - random() % 8
+                                                                 : 3 * kPiece);
+    Base64State plain{};
+    Bytes a(static_cast<size_t>(capacity) + 8, 0xA5), b = a;
+    const int32_t expected = reference::Base64DecodeChunk(
+        text.data(), static_cast<int32_t>(text.size()), b.data(), capacity, &plain);
+    ASSERT_EQ(DecodeBuffer(text.c_str(), a.data(), capacity, dataDecodeBase64), expected)
+        << "round " << round;
+    ASSERT_EQ(a, b) << "round " << round;
+  }
+}
+
 TEST(Base64Kernels, ChoiceFollowsTheProcessorAndTheCap) {
   EXPECT_EQ(codecs::ChosenBase64Kernels() != nullptr, cpu::ChosenLevel() >= cpu::Level::kAvx2);
 }

@@ -113,6 +113,12 @@ def data_seeds(samples):
             write("encode_bounds_fuzz", "c%d_%d" % (choice, n),
                   bytes([choice]) + size + data[:1024])
             write("round_trip_fuzz", "c%d_%d" % (choice, n), bytes([choice]) + data[:2048])
+        # base64_kernels: mode (bit 0 decode, bit 1 wrap), split seed, data.
+        seed = struct.pack("<H", n)
+        write("base64_kernels_fuzz", "encode%d" % n, bytes([2 * (n % 2)]) + seed + data[:4096])
+        wrapped = base64.encodebytes(data[:4096]).replace(b"\n", b"\r\n")
+        write("base64_kernels_fuzz", "decode%d" % n, bytes([1]) + seed + wrapped)
+        write("base64_kernels_fuzz", "plain%d" % n, bytes([1]) + seed + base64.b64encode(data[:4096]))
         # chunked_decoders: decoder, text length (at most 255), text, piece sizes.
         for decoder, text in enumerate((base64.b64encode(data[:180]),
                                         base64.b32encode(data[:150]),

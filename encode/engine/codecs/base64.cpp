@@ -74,7 +74,134 @@ size_t GroupsBeforeBreak(bool wrap, uint32_t column) {
   return (kLineLength - column) / 4;
 }
 
+// The characters the decoder skips when no group is open.
+constexpr auto kPassedBetweenGroups = [] {
+  std::array<bool, 256> table{};
+  for (int c = 0; c < 256; ++c)
+    table[c] = kSextetOf[c] == kNotInAlphabet && c != '=';
+  return table;
+}();
+
+bool PassedBetweenGroups(uint8_t c) {
+  return kPassedBetweenGroups[c];
+}
+
+// Decodes whole clean groups from `in` while they fit, the kernel taking
+// what it can.
+void DecodeGroups(const uint8_t*& in, const uint8_t* end, uint8_t* output, int32_t capacity,
+                  int32_t& written) {
+  const auto* kernels = fe::codecs::ChosenBase64Kernels();
+  if (kernels != nullptr && end - in >= 4 && capacity - written >= 3) {
+    size_t groups = 0;
+    in += kernels->decodeGroups(in, static_cast<size_t>(end - in),
+                                static_cast<size_t>(capacity - written) / 3,
+                                kPassedBetweenGroups.data(), output + written, &groups);
+    written += static_cast<int32_t>(3 * groups);
+  }
+  while (end - in >= 4 && capacity - written >= 3) {
+    const uint32_t group =
+        kShifted18[in[0]] | kShifted12[in[1]] | kShifted6[in[2]] | kShifted0[in[3]];
+    if (group & kBadCharacter) break;
+    output[written] = static_cast<uint8_t>(group >> 16);
+    output[written + 1] = static_cast<uint8_t>(group >> 8);
+    output[written + 2] = static_cast<uint8_t>(group);
+    written += 3;
+    in += 4;
+  }
+}
+
+enum class Outcome { kConsumed, kStopped, kFailed };
+
+// Decodes the characters [in, end) into output from `written` on; the
+// text may go on in the next piece unless it stopped.
+Outcome DecodePiece(const uint8_t* in, const uint8_t* end, uint8_t* output, int32_t capacity,
+                    int32_t& written, Base64State* state) {
+  uint32_t phase = state->phase;
+  uint32_t* sextets = state->saved;
+
+  while (in < end) {
+    if (phase == 0) {
+      // Between groups every character but '=' and the alphabet is passed
+      // over, so the line breaks of wrapped text do not leave the fast loops.
+      for (;;) {
+        while (in < end && PassedBetweenGroups(*in))
+          ++in;
+        DecodeGroups(in, end, output, capacity, written);
+        if (in == end || !PassedBetweenGroups(*in)) break;
+      }
+      if (in == end) break;
+    }
+    if (written >= capacity) {  // the rest is dropped without an error
+      state->phase = phase;
+      return Outcome::kStopped;
+    }
+    const uint8_t c = *in++;
+    if (c == '=') {  // padding ends the text; whatever follows is ignored
+      state->phase = phase;
+      return Outcome::kStopped;
+    }
+    const uint8_t sextet = kSextetOf[c];
+    if (sextet == kNotInAlphabet) {
+      // A stray character between groups is tolerated, one inside a group
+      // is an error: text written by earlier versions relies on both.
+      if (IsAsciiSpace(c) || phase == 0) continue;
+      state->phase = phase;
+      return Outcome::kFailed;
+    }
+    switch (phase) {
+      case 0:
+        sextets[0] = sextet;
+        phase = 1;
+        break;
+      case 1:
+        sextets[1] = sextet;
+        output[written++] = static_cast<uint8_t>((sextets[0] << 2) | (sextets[1] >> 4));
+        phase = 2;
+        break;
+      case 2:
+        sextets[2] = sextet;
+        output[written++] = static_cast<uint8_t>((sextets[1] << 4) | (sextets[2] >> 2));
+        phase = 3;
+        break;
+      default:
+        output[written++] = static_cast<uint8_t>((sextets[2] << 6) | sextet);
+        phase = 0;
+        break;
+    }
+  }
+  state->phase = phase;
+  return Outcome::kConsumed;
+}
+
 }  // namespace
+
+namespace fe::codecs {
+
+int32_t Base64DecodeText(const char* text, uint8_t* output, int32_t capacity) {
+  // The text is measured a piece at a time, just ahead of the decoder, so
+  // that the decoder reads it from the cache; up to INT32_MAX characters
+  // count.
+  constexpr size_t kPiece = 64 * 1024;
+  Base64State state{};
+  int32_t written = 0;
+  const auto* in = reinterpret_cast<const uint8_t*>(text);
+  for (size_t left = INT32_MAX;;) {
+    const size_t length = strnlen(reinterpret_cast<const char*>(in), std::min(kPiece, left));
+    switch (DecodePiece(in, in + length, output, capacity, written, &state)) {
+      case Outcome::kFailed:
+        return -1;
+      case Outcome::kStopped:
+        return written;
+      case Outcome::kConsumed:
+        break;
+    }
+    if (length < kPiece || length == left) return written;
+    in += length;
+    left -= length;
+  }
+}
+
+}  // namespace fe::codecs
 
 extern "C" {
 
@@ -194,67 +321,10 @@ int32_t Base64DecodeChunk(const char* text, int32_t length, uint8_t* output, int
                           Base64State* state) {
   if (text == nullptr || state == nullptr || (output == nullptr && capacity > 0)) return -1;
   const auto* in = reinterpret_cast<const uint8_t*>(text);
-  const uint8_t* const end = in + (length > 0 ? length : 0);
   int32_t written = 0;
-  uint32_t phase = state->phase;
-  uint32_t* sextets = state->saved;
-
-  while (in < end) {
-    if (phase == 0) {
-      const auto* kernels = fe::codecs::ChosenBase64Kernels();
-      if (kernels != nullptr && end - in >= 4 && capacity - written >= 3) {
-        const size_t groups = std::min(static_cast<size_t>(end - in) / 4,
-                                       static_cast<size_t>(capacity - written) / 3);
-        const size_t done = kernels->decodeCleanGroups(in, groups, output + written);
-        in += 4 * done;
-        written += static_cast<int32_t>(3 * done);
-      }
-      while (end - in >= 4 && capacity - written >= 3) {
-        const uint32_t group =
-            kShifted18[in[0]] | kShifted12[in[1]] | kShifted6[in[2]] | kShifted0[in[3]];
-        if (group & kBadCharacter) break;
-        output[written] = static_cast<uint8_t>(group >> 16);
-        output[written + 1] = static_cast<uint8_t>(group >> 8);
-        output[written + 2] = static_cast<uint8_t>(group);
-        written += 3;
-        in += 4;
-      }
-      if (in == end) break;
-    }
-    if (written >= capacity) break;  // the rest is dropped without an error
-    const uint8_t c = *in++;
-    if (c == '=') break;  // padding ends the text; whatever follows is ignored
-    const uint8_t sextet = kSextetOf[c];
-    if (sextet == kNotInAlphabet) {
-      // A stray character between groups is tolerated, one inside a group
-      // is an error: text written by earlier versions relies on both.
-      if (IsAsciiSpace(c) || phase == 0) continue;
-      state->phase = phase;
-      return -1;
-    }
-    switch (phase) {
-      case 0:
-        sextets[0] = sextet;
-        phase = 1;
-        break;
-      case 1:
-        sextets[1] = sextet;
-        output[written++] = static_cast<uint8_t>((sextets[0] << 2) | (sextets[1] >> 4));
-        phase = 2;
-        break;
-      case 2:
-        sextets[2] = sextet;
-        output[written++] = static_cast<uint8_t>((sextets[1] << 4) | (sextets[2] >> 2));
-        phase = 3;
-        break;
-      default:
-        output[written++] = static_cast<uint8_t>((sextets[2] << 6) | sextet);
-        phase = 0;
-        break;
-    }
-  }
-  state->phase = phase;
-  return written;
+  const Outcome outcome =
+      DecodePiece(in, in + (length > 0 ? length : 0), output, capacity, written, state);
+  return outcome == Outcome::kFailed ? -1 : written;
 }
 
 int32_t Base64Encode(const uint8_t* input, int32_t length, char* output, int32_t outputSize) {

@@ -15,10 +15,14 @@ struct Base64Kernels {
   // `in`, reading no byte at or past in + readable (readable >= 3 * groups).
   // Returns how many leading groups it wrote; the caller writes the rest.
   size_t (*encodeGroups)(const uint8_t* in, size_t groups, size_t readable, char* out);
-  // Decodes leading 4-character groups of `text` (at most `groups`) as long
-  // as they hold only alphabet characters, writing exactly three bytes per
-  // group it returns; it may stop earlier, the caller decodes from there.
-  size_t (*decodeCleanGroups)(const uint8_t* text, size_t groups, uint8_t* out);
+  // Decodes whole groups of alphabet characters from the `length`
+  // characters of `text` into `out`, at most `maxGroups` of them, passing
+  // over between groups every character marked in `passedOver`. Stops at
+  // the first character it does not handle, or earlier; returns how many
+  // characters it consumed and sets *groups to the groups it wrote (three
+  // bytes each).
+  size_t (*decodeGroups)(const uint8_t* text, size_t length, size_t maxGroups,
+                         const bool* passedOver, uint8_t* out, size_t* groups);
 };
 
 // Null when no kernel fits this processor or FE_CPU=scalar.

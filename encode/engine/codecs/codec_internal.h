@@ -38,6 +38,10 @@ int32_t UrlEncodeInto(const uint8_t* input, int32_t length, char* output, int32_
 int32_t UrlDecodeInto(const char* text, int32_t length, uint8_t* output, int32_t capacity,
                       int64_t bufferSize);
 
+// Base64 of NUL-terminated text (up to INT32_MAX characters), what
+// Base64DecodeChunk gives for the whole text at once.
+int32_t Base64DecodeText(const char* text, uint8_t* output, int32_t capacity);
+
 // The Base85 decoder's state, so that a text can arrive in pieces.
 struct Base85Decoder {
   uint32_t value = 0;

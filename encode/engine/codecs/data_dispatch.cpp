@@ -117,11 +117,8 @@ int32_t Decode(uint32_t encoding, const char* text, void* output, int32_t output
   auto* bytes = static_cast<uint8_t*>(output);
   switch (encoding) {
     case dataDecodeDefault:
-    case dataDecodeBase64: {
-      Base64State state{};
-      return Base64DecodeChunk(text, static_cast<int32_t>(strnlen(text, INT32_MAX)), bytes,
-                               outputSize, &state);
-    }
+    case dataDecodeBase64:
+      return fe::codecs::Base64DecodeText(text, bytes, outputSize);
     case dataDecodeQuoted: {
       QpDecodeState state{};
       return QpDecodeChunk(text, static_cast<int32_t>(strnlen(text, INT32_MAX)), bytes, outputSize,

@@ -9,6 +9,7 @@
 #include <array>
 
 #include "codecs/base64_alphabet.h"
+#include "codecs/x86/base64_decode_runs.h"
 #include "codecs/x86/kernels.h"
 
 namespace fe::codecs::x86 {
@@ -197,7 +198,9 @@ size_t Base64EncodeGroupsAvx2(const uint8_t* in, size_t groups, size_t readable,
   return done;
 }
 
-size_t Base64DecodeCleanGroupsAvx2(const uint8_t* text, size_t groups, uint8_t* out) {
+namespace {
+
+size_t CleanGroups(const uint8_t* text, size_t groups, uint8_t* out) {
   if (groups < kDecodeGroups) return 0;
   const DecodeTables tables;
   size_t done = 0;
@@ -218,6 +221,13 @@ size_t Base64DecodeCleanGroupsAvx2(const uint8_t* text, size_t groups, uint8_t* 
     done = at + kDecodeGroups;
   }
   return done;
+}
+
+}  // namespace
+
+size_t Base64DecodeGroupsAvx2(const uint8_t* text, size_t length, size_t maxGroups,
+                              const bool* passedOver, uint8_t* out, size_t* groups) {
+  return DecodeRuns(text, length, maxGroups, passedOver, out, groups, CleanGroups);
 }
 
 }  // namespace fe::codecs::x86

@@ -10,6 +10,7 @@
 #include <array>
 
 #include "codecs/base64_alphabet.h"
+#include "codecs/x86/base64_decode_runs.h"
 #include "codecs/x86/kernels.h"
 
 namespace fe::codecs::x86 {
@@ -79,6 +80,14 @@ __mmask64 FirstBytes(size_t count) {
   return count >= 64 ? kAllLanes : (__mmask64{1} << count) - 1;
 }
 
+// Where the step that ends at `end` starts: a whole step where one fits,
+// reaching back over groups already done if need be (masked loads and
+// stores to memory are slower on some processors than doing a few groups
+// twice), else the partial step from `done`.
+size_t StepStart(size_t done, size_t end) {
+  return end >= kStepGroups ? end - kStepGroups : done;
+}
+
 }  // namespace
 
 size_t Base64EncodeGroupsAvx512(const uint8_t* in, size_t groups, size_t readable, char* out) {
@@ -88,51 +97,82 @@ size_t Base64EncodeGroupsAvx512(const uint8_t* in, size_t groups, size_t readabl
   const auto encode = [&](__m512i bytes) {
     return Permute(MultiShift(shifts, Permute(spread, bytes)), alphabet);
   };
-  for (size_t done = 0; done < groups; done += kStepGroups) {
-    const size_t count = std::min(groups - done, kStepGroups);
-    // Plain loads and stores where they stay inside the input and the
-    // groups (masked ones to memory are slower on some processors).
-    if (count == kStepGroups && 3 * done + 64 <= readable) {
-      _mm512_storeu_si512(out + 4 * done, encode(Load64(in + 3 * done)));
+  for (size_t done = 0; done < groups;) {
+    const size_t end = std::min(groups, done + kStepGroups);
+    const size_t at = StepStart(done, end);
+    if (end - at == kStepGroups && 3 * at + 64 <= readable) {
+      _mm512_storeu_si512(out + 4 * at, encode(Load64(in + 3 * at)));
     } else {
+      const size_t count = end - done;
       const __m512i bytes = _mm512_maskz_loadu_epi8(FirstBytes(3 * count), in + 3 * done);
       _mm512_mask_storeu_epi8(out + 4 * done, FirstBytes(4 * count), encode(bytes));
     }
+    done = end;
   }
   return groups;
 }
 
-size_t Base64DecodeCleanGroupsAvx512(const uint8_t* text, size_t groups, uint8_t* out) {
-  const __m512i lowHalf = Load64(kSextets.data());
-  const __m512i highHalf = Load64(kSextets.data() + 64);
-  const __m512i pack = Load64(kPack.data());
-  for (size_t done = 0; done < groups; done += kStepGroups) {
-    size_t count = std::min(groups - done, kStepGroups);
-    const bool whole = count == kStepGroups;
+namespace {
+
+struct Decoder {
+  __m512i lowHalf = Load64(kSextets.data());
+  __m512i highHalf = Load64(kSextets.data() + 64);
+  __m512i pack = Load64(kPack.data());
+
+  // Decodes `count` groups (1 to 16) at `text` into the first 3 * count
+  // bytes of *bytes; returns a mask of the characters outside the alphabet.
+  __mmask64 Step(const uint8_t* text, size_t count, __m512i* bytes) const {
     const __mmask64 taken = FirstBytes(4 * count);
     const __m512i characters =
-        whole ? Load64(text + 4 * done) : _mm512_maskz_loadu_epi8(taken, text + 4 * done);
+        count == kStepGroups ? Load64(text) : _mm512_maskz_loadu_epi8(taken, text);
     const __m512i sextets = _mm512_permutex2var_epi8(lowHalf, characters, highHalf);
-    // Bytes from 0x80 up and characters outside the alphabet both show
-    // bit 7 here.
-    const __mmask64 bad = _mm512_movepi8_mask(_mm512_or_si512(characters, sextets)) & taken;
-    if (bad != 0) count = static_cast<size_t>(__builtin_ctzll(bad)) / 4;
     const __m512i pairs = _mm512_maddubs_epi16(sextets, _mm512_set1_epi32(0x01400140));
     const __m512i lanes = _mm512_madd_epi16(pairs, _mm512_set1_epi32(0x00011000));
-    const __m512i bytes = Permute(pack, lanes);
-    uint8_t* const to = out + 3 * done;
-    if (whole && bad == 0) {
-      // 48 bytes by two plain stores; masked stores to memory are slower.
-      _mm256_storeu_si256(reinterpret_cast<__m256i*>(to),
-                          _mm512_maskz_extracti64x4_epi64(0xF, bytes, 0));
-      _mm_storeu_si128(reinterpret_cast<__m128i*>(to + 32),
-                       _mm512_maskz_extracti32x4_epi32(0xF, bytes, 2));
-    } else {
-      _mm512_mask_storeu_epi8(to, FirstBytes(3 * count), bytes);
+    *bytes = Permute(pack, lanes);
+    // Bytes from 0x80 up and characters outside the alphabet both show
+    // bit 7 here.
+    return _mm512_movepi8_mask(_mm512_or_si512(characters, sextets)) & taken;
+  }
+};
+
+// A whole step's 48 bytes by two plain stores.
+void StoreWhole(__m512i bytes, uint8_t* to) {
+  _mm256_storeu_si256(reinterpret_cast<__m256i*>(to),
+                      _mm512_maskz_extracti64x4_epi64(0xF, bytes, 0));
+  _mm_storeu_si128(reinterpret_cast<__m128i*>(to + 32),
+                   _mm512_maskz_extracti32x4_epi32(0xF, bytes, 2));
+}
+
+size_t CleanGroups(const uint8_t* text, size_t groups, uint8_t* out) {
+  const Decoder decoder;
+  __m512i bytes;
+  for (size_t done = 0; done < groups;) {
+    const size_t end = std::min(groups, done + kStepGroups);
+    const size_t at = StepStart(done, end);
+    const __mmask64 bad = decoder.Step(text + 4 * at, end - at, &bytes);
+    if (bad == 0) {
+      if (end - at == kStepGroups) {
+        StoreWhole(bytes, out + 3 * at);
+      } else {
+        _mm512_mask_storeu_epi8(out + 3 * at, FirstBytes(3 * (end - at)), bytes);
+      }
+      done = end;
+      continue;
     }
-    if (bad != 0) return done + count;
+    // Everything before the first bad character is clean: finish there.
+    const size_t clean = at + static_cast<size_t>(__builtin_ctzll(bad)) / 4;
+    if (clean <= done) return done;
+    _mm512_mask_storeu_epi8(out + 3 * at, FirstBytes(3 * (clean - at)), bytes);
+    return clean;
   }
   return groups;
+}
+
+}  // namespace
+
+size_t Base64DecodeGroupsAvx512(const uint8_t* text, size_t length, size_t maxGroups,
+                                const bool* passedOver, uint8_t* out, size_t* groups) {
+  return DecodeRuns(text, length, maxGroups, passedOver, out, groups, CleanGroups);
 }
 
 }  // namespace fe::codecs::x86
