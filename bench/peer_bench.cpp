@@ -1,10 +1,13 @@
 // Our in-memory codecs beside the libraries a user would pick instead, on
-// the same pre-faulted 64 MiB in the same process, taking turns: the SIMD
-// Base64 library of the peers folder (built into build/peers by make
-// bench) and memcpy of the same size as the ceiling. Rates are of the
-// unencoded bytes in both directions.
+// the same pre-faulted 64 MiB, taking turns: the SIMD Base64 library of the
+// peers folder (built into build/peers by make bench) in the same process,
+// Python's binascii (timed inside Python), coreutils base64 (the whole
+// command, reading the same bytes from a file in the page cache), and
+// memcpy of the same size as the ceiling. Rates are of the unencoded bytes
+// in both directions.
 #include <cstdio>
 #include <cstring>
+#include <fstream>
 #include <random>
 #include <string>
 #include <vector>
@@ -19,6 +22,9 @@
 namespace {
 
 using fe::bench::Compare;
+using fe::bench::CompareTimed;
+using fe::bench::PythonSeconds;
+using fe::bench::Tool;
 
 constexpr size_t kSize = 64u << 20;
 constexpr int kRounds = 9;
@@ -107,5 +113,27 @@ int main() {
 #endif
   copyRow("Base64 encode", encode);
   copyRow("Base64 decode", decode);
+
+  const std::string dataFile = "/tmp/fe_peer_bench.bin", textFile = "/tmp/fe_peer_bench.txt";
+  std::ofstream(dataFile, std::ios::binary).write(reinterpret_cast<const char*>(raw), kSize);
+  std::ofstream(textFile, std::ios::binary).write(text.data(), textLength);
+  CompareTimed(
+      "Base64 encode", mb, encode,
+      [&] {
+        return PythonSeconds("binascii", "binascii.b2a_base64(data, newline=False)", dataFile);
+      },
+      "Python binascii.b2a_base64", 3);
+  CompareTimed(
+      "Base64 decode", mb, decode,
+      [&] { return PythonSeconds("binascii", "binascii.a2b_base64(data)", textFile); },
+      "Python binascii.a2b_base64", 3);
+  Compare(
+      "Base64 encode", mb, encode, [&] { return Tool("base64 -w0 " + dataFile + " >/dev/null"); },
+      "coreutils base64 -w0 (whole command)", 3);
+  Compare(
+      "Base64 decode", mb, decode, [&] { return Tool("base64 -d " + textFile + " >/dev/null"); },
+      "coreutils base64 -d (whole command)", 3);
+  std::remove(dataFile.c_str());
+  std::remove(textFile.c_str());
   return 0;
 }
