@@ -1,15 +1,27 @@
-// Timing, tool calls and the ours-beside-a-peer row shared by the
+// Test data, timing, tool calls and the ours-beside-a-peer row shared by the
 // benchmarks.
 #pragma once
 
 #include <algorithm>
 #include <chrono>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <functional>
+#include <random>
 #include <string>
+#include <vector>
 
 namespace fe::bench {
+
+// The same random bytes for every benchmark and every run.
+inline std::vector<uint8_t> RandomBytes(size_t size) {
+  std::mt19937_64 generator(42);
+  std::vector<uint8_t> bytes(size);
+  for (auto& b : bytes)
+    b = static_cast<uint8_t>(generator());
+  return bytes;
+}
 
 // Seconds the work took; *ok tells whether it succeeded.
 inline double SecondsOf(const std::function<bool()>& work, bool* ok) {

@@ -9,20 +9,13 @@
 #include <string>
 #include <vector>
 
+#include "bench_support.h"
 #include "digest/crc32.h"
 #include "file_encoder.h"
 
 namespace {
 
 constexpr size_t kMiB = 1 << 20;
-
-std::vector<uint8_t> RandomBytes(size_t size) {
-  std::mt19937_64 generator(42);
-  std::vector<uint8_t> bytes(size);
-  for (auto& b : bytes)
-    b = static_cast<uint8_t>(generator());
-  return bytes;
-}
 
 // UTF-16 text of `bytes` bytes: mostly ASCII words with some accented and
 // CJK characters, as real text has.
@@ -50,7 +43,7 @@ Input MakeInput(uint32_t encoding, size_t size) {
     const auto* raw = reinterpret_cast<const uint8_t*>(text.data());
     return {std::vector<uint8_t>(raw, raw + text.size() * 2), static_cast<int32_t>(text.size())};
   }
-  return {RandomBytes(size), static_cast<int32_t>(size)};
+  return {fe::bench::RandomBytes(size), static_cast<int32_t>(size)};
 }
 
 void EncodeBench(benchmark::State& state, uint32_t encoding, size_t size) {
@@ -108,14 +101,14 @@ void RegisterAll() {
 }
 
 void Crc32Ours(benchmark::State& state) {
-  static const std::vector<uint8_t> data = RandomBytes(kMiB);
+  static const std::vector<uint8_t> data = fe::bench::RandomBytes(kMiB);
   for (auto _ : state)
     benchmark::DoNotOptimize(fe::digest::Crc32Update(0xFFFFFFFF, data.data(), data.size()));
   state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * data.size()));
 }
 
 void Crc32Zlib(benchmark::State& state) {
-  static const std::vector<uint8_t> data = RandomBytes(kMiB);
+  static const std::vector<uint8_t> data = fe::bench::RandomBytes(kMiB);
   for (auto _ : state)
     benchmark::DoNotOptimize(crc32(0, data.data(), static_cast<uInt>(data.size())));
   state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * data.size()));

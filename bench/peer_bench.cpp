@@ -29,14 +29,6 @@ using fe::bench::Tool;
 constexpr size_t kSize = 64u << 20;
 constexpr int kRounds = 9;
 
-std::vector<uint8_t> RandomBytes(size_t size) {
-  std::mt19937_64 generator(42);
-  std::vector<uint8_t> bytes(size);
-  for (auto& b : bytes)
-    b = static_cast<uint8_t>(generator());
-  return bytes;
-}
-
 int32_t Size(const std::vector<char>& buffer) {
   return static_cast<int32_t>(buffer.size());
 }
@@ -47,7 +39,7 @@ int main() {
   const double mb = kSize / 1e6;
   // Every buffer is written once before timing, so no round pays for first
   // touches of its pages.
-  const std::vector<uint8_t> data = RandomBytes(kSize);
+  const std::vector<uint8_t> data = fe::bench::RandomBytes(kSize);
   std::vector<char> text(kSize * 2, 1), wrapped(kSize * 2, 1), theirs(kSize * 2, 1);
   std::vector<uint8_t> back(kSize + 64, 1), theirsBack(kSize + 64, 1);
   const auto* raw = data.data();
