@@ -1,6 +1,7 @@
 # FileEncoder: one command builds and tests everything (see README.md).
 #   make test        install what is missing, build every configuration, run every suite
 #   make demo        the control, registered under Wine, driven from examples/demo.vbs
+#   make deb         Debian packages of the library, its -dev files and the tool (build/package)
 #   make bench       throughput of the codecs, file operations and text filters (not part of make test)
 #   make fuzz-smoke  each fuzz target for 30 s
 #   make fuzz-long   each fuzz target for 10 minutes (before changes to a decoder land)
@@ -12,9 +13,9 @@ WINE_RUN := $(ROOT)/scripts/wine-run.sh
 # The build uses Debian's Python, whose modules the bootstrap installs.
 CMAKE := cmake -G Ninja -Wno-dev -DPython3_EXECUTABLE=/usr/bin/python3
 
-.PHONY: test demo demo-engine bench fuzz-smoke fuzz-long bootstrap native asan win64 win32 fuzz clean
+.PHONY: test deb demo demo-engine bench fuzz-smoke fuzz-long bootstrap native asan win64 win32 fuzz clean
 
-test: native asan win64 win32 fuzz
+test: native asan win64 win32 fuzz deb
 	@scripts/run-suites.sh $(BUILD) 3
 
 demo: win64
@@ -23,6 +24,13 @@ demo: win64
 
 demo-engine: native
 	@$(BUILD)/native/examples/encode_demo
+
+deb: bootstrap
+	@$(CMAKE) -S . -B $(BUILD)/package -DCMAKE_BUILD_TYPE=Release -DFE_TESTS=OFF \
+	  -DCMAKE_INSTALL_PREFIX=/usr >/dev/null
+	@cmake --build $(BUILD)/package -j$(JOBS)
+	@rm -f $(BUILD)/package/*.deb && cd $(BUILD)/package && cpack -G DEB >/dev/null
+	@ls $(BUILD)/package/*.deb
 
 bench: bootstrap
 	@scripts/build-bench-peers.sh $(BUILD)
