@@ -27,6 +27,8 @@ wine wineboot wineserver winepath xvfb-run Xvfb xauth import
 dpkg-source
 /usr/bin/python3 basenc base64 uuencode uudecode uudeview uuenview bzip2 xz openssl
 awk sed grep tr seq mktemp realpath cut md5sum sha1sum sha256sum iconv m4
+cpack gzip file readelf dpkg-shlibdeps groff bash setpriv setsid mount umount cmp
+debootstrap chroot pkg-config
 """.split()
 
 

@@ -39,11 +39,26 @@ run_gtest_suite() {
   lines+=("$(printf '%-22s %5d passed %3d failed %3d skipped   (%s)' "$name" "$p" "$f" "$s" "$log")")
 }
 
+# A script that prints "N passed, N failed" as its last line.
+run_script_suite() {
+  local name=$1 log=$logs/$1.log
+  shift
+  "$@" >"$log" 2>&1
+  local status=$?
+  local p f
+  p=$(count PASSED "$log"); f=$(count FAILED "$log")
+  if [ "$status" -ne 0 ] && [ "$f" -eq 0 ]; then f=1; fi
+  if [ "$p" -eq 0 ] && [ "$f" -eq 0 ]; then f=1; fi
+  passed=$((passed + p)) failed=$((failed + f))
+  lines+=("$(printf '%-22s %5d passed %3d failed %3d skipped   (%s)' "$name" "$p" "$f" 0 "$log")")
+}
+
 # Each fuzz target replays every input that ever made it fail
 # (tests/fuzz/regressions/<target>/), then runs for a while from its seed
 # corpus (tests/fuzz/corpus/<target>/, copied so that the run's finds stay in
 # the build tree): passes when it finds nothing.
-fuzz_dir=$(cd "$(dirname "$0")/../tests/fuzz" && pwd)
+root=$(cd "$(dirname "$0")/.." && pwd)
+fuzz_dir=$root/tests/fuzz
 run_fuzz_targets() {
   local target name log corpus regressions
   for target in "$build"/fuzz/tests/fuzz/*_fuzz; do
@@ -84,6 +99,7 @@ if [ "$only" = all ]; then
     failed=$((failed + 1))
     lines+=("$(printf '%-22s FAILED (exports: %s)' x86 "$exports")")
   fi
+  run_script_suite debian-package "$root/tests/package/check-package.sh" "$build" "$build/package"
 fi
 run_fuzz_targets
 

@@ -104,7 +104,6 @@ class Identifiers(ToolTest):
 
 class TextFilters(ToolTest):
     def test_filters_equal_the_engine(self):
-        self.need_engine()
         html = b"<html><body><h1>Title</h1><p>One &amp; two<br>three</p><ul><li>a<li>b</ul></body></html>"
         markdown = b"# Title\n\nSome *emphasis* and [a link](http://x.example).\n\n- one\n- two\n"
         unicode = "Ｈｅｌｌｏ ᴡᴏʀʟᴅ\u200b — café".encode()

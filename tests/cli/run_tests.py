@@ -1,7 +1,7 @@
 #!/usr/bin/python3
 """Runs the fileencoder tool suites and ends with "N passed, N failed"
 (skips are listed on their own line).
-  FE_TOOL=<fileencoder> FE_SOURCE=<source root> [FE_LIBRARY=<libfileencoder.so>] run_tests.py"""
+  FE_TOOL=<fileencoder> FE_SOURCE=<source root> FE_LIBRARY=<libfileencoder.so> run_tests.py"""
 import os
 import sys
 import unittest

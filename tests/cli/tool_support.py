@@ -9,7 +9,7 @@ import tempfile
 import unittest
 
 TOOL = os.environ["FE_TOOL"]
-LIBRARY = os.environ.get("FE_LIBRARY", "")
+LIBRARY = os.environ["FE_LIBRARY"]
 SOURCE = os.environ["FE_SOURCE"]
 
 
@@ -69,7 +69,12 @@ class Engine:
         return out.raw[:needed]
 
 
-ENGINE = Engine(LIBRARY) if LIBRARY else None
+ENGINE = Engine(LIBRARY)
+if os.environ.pop("FE_PRELOADED", None):
+    # The sanitizer runtimes were preloaded for this process alone: the tool
+    # under test and the other programs run with their own settings.
+    os.environ.pop("LD_PRELOAD", None)
+    os.environ.pop("ASAN_OPTIONS", None)
 
 
 class ToolTest(unittest.TestCase):
@@ -90,10 +95,6 @@ class ToolTest(unittest.TestCase):
     def read(self, name):
         with open(self.path(name), "rb") as f:
             return f.read()
-
-    def need_engine(self):
-        if ENGINE is None:
-            self.skipTest("the engine library is not loaded in this configuration")
 
     def assertFails(self, args, data=None, code=None, names=None, env=None):
         """The command fails with status 1, prints the message line, and
