@@ -112,7 +112,7 @@ void ProgressBar::Draw(uint64_t done) {
 ReadPositionProgress::ReadPositionProgress(const std::string& path, const std::string& label)
     : bar_(label, FileSize(path)) {
   struct stat status;
-  if (mode == ProgressMode::kNever || stat(path.c_str(), &status) != 0) return;
+  if (!bar_.enabled() || stat(path.c_str(), &status) != 0) return;
   follower_ = std::thread(&ReadPositionProgress::Follow, this, status.st_dev, status.st_ino);
 }
 

@@ -27,6 +27,7 @@ class ProgressBar {
   void Show(uint64_t done);
   // The whole total done: a drawn bar is completed and its line ended.
   void Complete();
+  bool enabled() const { return enabled_; }
 
  private:
   void Draw(uint64_t done);
