@@ -10,6 +10,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "cleanup.h"
 #include "failure.h"
 #include "file_encoder.h"
 
@@ -150,36 +151,63 @@ TemporaryFile::TemporaryFile(const std::string& directory) {
   descriptor_ = mkostemp(pattern.data(), O_CLOEXEC);
   if (descriptor_ < 0) FailFromSystem(directory.empty() ? TemporaryDirectory() : directory);
   path_ = pattern;
+  slot_ = RememberTemporary(path_);
 }
 
 TemporaryFile::~TemporaryFile() {
   if (descriptor_ >= 0) close(descriptor_);
   if (!path_.empty()) unlink(path_.c_str());
+  ForgetTemporary(slot_);
+}
+
+void TemporaryFile::Release() {
+  ForgetTemporary(slot_);
+  slot_ = -1;
+  path_.clear();
 }
 
 InputFile::InputFile(const std::string& name, const std::string& stagedName)
     : path_(name), label_(name) {
   if (!IsStandardStream(name)) return;
   label_ = kStandardInput;
+  if (stagedName.empty() || stagedName.find('/') != std::string::npos || stagedName == "." ||
+      stagedName == "..") {
+    FailUsage("--name must be a file name without a folder");
+  }
   std::string pattern = TemporaryDirectory() + "/fileencoder-XXXXXX";
   if (mkdtemp(pattern.data()) == nullptr) FailFromSystem(TemporaryDirectory());
   folder_ = pattern;
+  folderSlot_ = RememberTemporary(folder_);
   path_ = folder_ + "/" + stagedName;
-  const int descriptor = open(path_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
-  if (descriptor < 0) FailFromSystem(path_);
+  fileSlot_ = RememberTemporary(path_);
+  // The destructor does not run when the constructor fails: clean up here.
   try {
-    Pump(STDIN_FILENO, label_, descriptor, path_);
+    const int descriptor = open(path_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+    if (descriptor < 0) FailFromSystem(path_);
+    try {
+      Pump(STDIN_FILENO, label_, descriptor, path_);
+    } catch (...) {
+      close(descriptor);
+      throw;
+    }
+    if (close(descriptor) != 0) FailFromSystem(path_);
   } catch (...) {
-    close(descriptor);
+    RemoveStaged();
     throw;
   }
-  if (close(descriptor) != 0) FailFromSystem(path_);
 }
 
 InputFile::~InputFile() {
+  RemoveStaged();
+}
+
+void InputFile::RemoveStaged() {
   if (folder_.empty()) return;
   unlink(path_.c_str());
   rmdir(folder_.c_str());
+  ForgetTemporary(fileSlot_);
+  ForgetTemporary(folderSlot_);
+  folder_.clear();
 }
 
 PendingOutput::PendingOutput(const std::string& name) : name_(name), target_(name) {

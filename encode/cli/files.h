@@ -28,11 +28,12 @@ class TemporaryFile {
   const std::string& path() const { return path_; }
   int descriptor() const { return descriptor_; }
   // The file now belongs to someone else (it was renamed into place).
-  void Release() { path_.clear(); }
+  void Release();
 
  private:
   std::string path_;
   int descriptor_ = -1;
+  int slot_ = -1;  // for removal on a signal
 };
 
 // An input for an engine operation that takes a file name: the file itself,
@@ -51,9 +52,13 @@ class InputFile {
   const std::string& label() const { return label_; }
 
  private:
+  void RemoveStaged();
+
   std::string path_;
   std::string label_;
   std::string folder_;  // the private folder of staged input, else empty
+  int fileSlot_ = -1;   // for removal on a signal
+  int folderSlot_ = -1;
 };
 
 // A result that replaces its target only when Commit is reached: it is

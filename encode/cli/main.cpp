@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <map>
 
+#include "cleanup.h"
 #include "commands.h"
 #include "failure.h"
 #include "files.h"
@@ -17,6 +18,7 @@
 int main(int argc, char** argv) {
   using namespace fe::cli;
   RememberCreationMask();
+  RemoveTemporariesOnSignals();
 
   CLI::App app{"Encode, decode, compress, encrypt, compare and filter files and data.",
                "fileencoder"};

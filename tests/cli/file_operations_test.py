@@ -4,8 +4,10 @@ no output."""
 import hashlib
 import os
 import re
+import signal
 import stat
 import subprocess
+import time
 import zlib
 
 from tool_support import SOURCE, ToolTest, random_bytes, run, shell
@@ -255,3 +257,31 @@ class Failures(ToolTest):
             with open(target, "rb") as f:
                 self.assertEqual(f.read(), b"previous", command)
         self.assertEqual(sorted(os.listdir(mount)), ["out"])
+
+
+class Signals(ToolTest):
+    def wait_for(self, condition):
+        for _ in range(200):
+            if condition():
+                return
+            time.sleep(0.02)
+        self.fail("the tool never got that far")
+
+    def test_interrupted_tool_leaves_no_temporary_file(self):
+        # Standard input still open: the tool is copying it into its staged
+        # file (file forms) or streaming into a temporary file beside the
+        # output (Base64), when the signal comes.
+        for command, sig in ((["encode", "-e", "uu"], signal.SIGINT),
+                             (["encode", "-o", self.path("out")], signal.SIGTERM),
+                             (["compress", "-o", self.path("out")], signal.SIGPIPE)):
+            tool = subprocess.Popen([os.environ["FE_TOOL"]] + command, stdin=subprocess.PIPE,
+                                    stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
+                                    env=dict(os.environ, TMP=self.folder.name))
+            tool.stdin.write(b"x" * 100000)
+            tool.stdin.flush()
+            self.wait_for(lambda: os.listdir(self.folder.name))
+            time.sleep(0.1)
+            tool.send_signal(sig)
+            self.assertEqual(tool.wait(), -sig, command)
+            tool.stdin.close()
+            self.assertEqual(os.listdir(self.folder.name), [], command)
