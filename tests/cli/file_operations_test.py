@@ -3,6 +3,7 @@ bzip2, xz, OpenSSL and iconv; standard streams; every failure path leaves
 no output."""
 import hashlib
 import os
+import pty
 import re
 import signal
 import stat
@@ -139,6 +140,52 @@ class Encryption(ToolTest):
     def test_password_is_never_taken_from_the_command_line(self):
         status, _, err = run(["encrypt", "--password", "x"], b"data", check=False)
         self.assertEqual(status, 2, err)
+
+    def prompt(self, answers, args):
+        """Runs the tool on a terminal of its own, answering its prompts;
+        returns (exit status, everything the terminal showed)."""
+        pid, terminal = pty.fork()
+        if pid == 0:
+            os.execv(os.environ["FE_TOOL"], [os.environ["FE_TOOL"]] + args)
+        shown = b""
+        for answer in answers:
+            while not shown.rstrip().endswith(b":"):
+                shown += os.read(terminal, 1024)
+            os.write(terminal, answer + b"\n")
+            shown += b"|"
+        while True:
+            try:
+                chunk = os.read(terminal, 1024)
+            except OSError:  # the tool ended and closed the terminal
+                break
+            if not chunk:
+                break
+            shown += chunk
+        _, status = os.waitpid(pid, 0)
+        os.close(terminal)
+        return os.waitstatus_to_exitcode(status), shown
+
+    def test_prompt_reads_the_terminal_without_echo(self):
+        source = self.write("plain", b"data")
+        status, shown = self.prompt([b"s3cret", b"s3cret"],
+                                    ["encrypt", "-o", self.path("cipher"), source])
+        self.assertEqual(status, 0, shown)
+        self.assertIn(b"Password: ", shown)
+        self.assertIn(b"Password again: ", shown)
+        self.assertNotIn(b"s3cret", shown)
+        plain = shell("openssl enc -d -aes-256-cbc -K %s -iv %s -in %s" %
+                      (documented_key("s3cret"), "0" * 32, self.path("cipher")))
+        self.assertEqual(plain, b"data")
+        status, shown = self.prompt([b"s3cret"], ["decrypt", self.path("cipher")])
+        self.assertEqual(status, 0, shown)
+        self.assertTrue(shown.endswith(b"data"), shown)
+
+    def test_prompted_passwords_must_agree(self):
+        source = self.write("plain", b"data")
+        status, shown = self.prompt([b"one", b"two"], ["encrypt", "-o", self.path("c"), source])
+        self.assertEqual(status, 2)
+        self.assertIn(b"the two passwords differ", shown)
+        self.assertFalse(os.path.exists(self.path("c")))
 
     def test_without_a_terminal_a_source_is_required(self):
         done = subprocess.run(["setsid", "-w", os.environ["FE_TOOL"], "encrypt"], input=b"data",
