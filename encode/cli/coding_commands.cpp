@@ -44,7 +44,7 @@ int OpenForReading(const std::string& name) {
 class BlockReader {
  public:
   explicit BlockReader(const std::string& name)
-      : label_(IsStandardStream(name) ? "standard input" : name),
+      : label_(InputLabel(name)),
         descriptor_(OpenForReading(name)),
         bar_(label_, IsStandardStream(name) ? 0 : FileSize(name)) {}
   ~BlockReader() {
@@ -165,7 +165,7 @@ int32_t CheckedSize(int64_t size, const std::string& label) {
 
 void EncodeInMemory(const Encoding& encoding, const CodingOptions& options) {
   const std::vector<uint8_t> input = ReadWhole(options.input);
-  const std::string label = IsStandardStream(options.input) ? "standard input" : options.input;
+  const std::string label = InputLabel(options.input);
   // The UTF-16 rows read their input as little-endian code units.
   if (encoding.utf16 && input.size() % 2 != 0) FailWithCode(label, kCodeInvalidData);
   const int32_t length =
@@ -185,7 +185,7 @@ void EncodeInMemory(const Encoding& encoding, const CodingOptions& options) {
 
 void DecodeInMemory(const Encoding& encoding, const CodingOptions& options) {
   std::vector<uint8_t> text = ReadWhole(options.input);
-  const std::string label = IsStandardStream(options.input) ? "standard input" : options.input;
+  const std::string label = InputLabel(options.input);
   text.push_back('\0');
   const auto* characters = reinterpret_cast<const char*>(text.data());
   int32_t size = CheckedSize(DecodedSizeBound(encoding, static_cast<int64_t>(text.size())), label);

@@ -101,6 +101,10 @@ const std::string kStandardOutput = "standard output";
 
 }  // namespace
 
+std::string InputLabel(const std::string& name) {
+  return IsStandardStream(name) ? kStandardInput : name;
+}
+
 void RememberCreationMask() {
   creationMask = umask(0);
   umask(creationMask);
@@ -115,7 +119,7 @@ std::vector<uint8_t> ReadWhole(const std::string& name) {
   const bool standard = IsStandardStream(name);
   const int descriptor = standard ? STDIN_FILENO : open(name.c_str(), O_RDONLY | O_CLOEXEC);
   if (descriptor < 0) FailFromSystem(name);
-  const std::string& label = standard ? kStandardInput : name;
+  const std::string label = InputLabel(name);
   std::vector<uint8_t> bytes;
   struct stat status;
   if (fstat(descriptor, &status) == 0 && S_ISDIR(status.st_mode)) {

@@ -12,6 +12,8 @@ namespace fe::cli {
 inline bool IsStandardStream(const std::string& name) {
   return name == "-";
 }
+// What messages call an input: its name, or "standard input" for "-".
+std::string InputLabel(const std::string& name);
 
 // Whole contents of a file or of standard input ("-").
 std::vector<uint8_t> ReadWhole(const std::string& name);

@@ -54,7 +54,7 @@ void AddFilterCommand(CLI::App& app, const char* name, const char* description, 
   }
   command->callback([options, filter] {
     const std::vector<uint8_t> input = ReadWhole(options->input);
-    const std::string label = IsStandardStream(options->input) ? "standard input" : options->input;
+    const std::string label = InputLabel(options->input);
     if (options->confusable) {
       const bool found = IsConfusableText(reinterpret_cast<const char*>(input.data()),
                                           static_cast<int32_t>(input.size())) != 0;
