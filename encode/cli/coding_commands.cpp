@@ -116,11 +116,13 @@ void StreamBase64Encode(const CodingOptions& options) {
   Base64State state{};
   const int wrap = options.wrap ? 1 : 0;
   while (const size_t got = reader.Read(block.data(), block.size())) {
+    EngineSetLastError(0);
     const int32_t written = Base64EncodeChunk(block.data(), static_cast<int32_t>(got), text.data(),
                                               static_cast<int32_t>(text.size()), &state, wrap);
     if (written < 0) FailFromEngine(reader.label(), kCodeInvalidParameter);
     output.Write(text.data(), static_cast<size_t>(written));
   }
+  EngineSetLastError(0);
   const int32_t tail = Base64EncodeFinish(&state, text.data(), wrap);
   if (tail < 0) FailFromEngine(reader.label(), kCodeInvalidParameter);
   output.Write(text.data(), static_cast<size_t>(tail));
