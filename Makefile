@@ -2,6 +2,8 @@
 #   make test        install what is missing, build every configuration, run every suite
 #   make demo        the control, registered under Wine, driven from examples/demo.vbs
 #   make deb         Debian packages of the library, its -dev files and the tool (build/package)
+#   make msi         Windows Installer packages of the control, x64 and x86, per machine and per user
+#   make docs        the reference manual as HTML (build/docs)
 #   make bench       throughput of the codecs, file operations and text filters (not part of make test)
 #   make fuzz-smoke  each fuzz target for 30 s
 #   make fuzz-long   each fuzz target for 10 minutes (before changes to a decoder land)
@@ -13,9 +15,9 @@ WINE_RUN := $(ROOT)/scripts/wine-run.sh
 # The build uses Debian's Python, whose modules the bootstrap installs.
 CMAKE := cmake -G Ninja -Wno-dev -DPython3_EXECUTABLE=/usr/bin/python3
 
-.PHONY: test deb demo demo-engine bench fuzz-smoke fuzz-long bootstrap native asan win64 win32 fuzz clean
+.PHONY: test deb msi docs demo demo-engine bench fuzz-smoke fuzz-long bootstrap native asan win64 win32 fuzz clean
 
-test: native asan win64 win32 fuzz deb
+test: native asan win64 win32 fuzz deb msi docs
 	@scripts/run-suites.sh $(BUILD) 3
 
 demo: win64
@@ -31,6 +33,9 @@ deb: bootstrap
 	@cmake --build $(BUILD)/package -j$(JOBS)
 	@rm -f $(BUILD)/package/*.deb && cd $(BUILD)/package && cpack -G DEB >/dev/null
 	@ls $(BUILD)/package/*.deb
+
+msi: win64 win32
+	@ls $(BUILD)/win64/installer/*.msi $(BUILD)/win32/installer/*.msi
 
 bench: bootstrap
 	@scripts/build-bench-peers.sh $(BUILD)

@@ -10,6 +10,7 @@ packages=(
   mingw-w64 mingw-w64-tools libz-mingw-w64-dev libwine-dev wine wine64 wine64-tools xvfb xauth
   imagemagick
   libcli11-dev pkgconf file groff-base bash-completion debootstrap
+  wixl msitools mkdocs
   dpkg-dev python3 openssl python3-base58 python3-sabyenc coreutils bzip2 xz-utils sharutils uudeview
 )
 

@@ -29,6 +29,7 @@ dpkg-source
 awk sed grep tr seq mktemp realpath cut md5sum sha1sum sha256sum iconv m4
 cpack gzip file readelf dpkg-shlibdeps groff bash setpriv setsid mount umount cmp
 debootstrap chroot pkg-config
+wixl msibuild msiinfo mkdocs
 """.split()
 
 

@@ -91,7 +91,7 @@ if [ "$only" = all ]; then
   # No 32-bit Wine here: the x86 build is checked for its exports only.
   exports=$(i686-w64-mingw32-objdump -p "$build/win32/encode/ocx/FileEncoder.ocx" 2>/dev/null |
     sed -n '/\[Ordinal\/Name Pointer\] Table/,/^$/p' | grep -oE 'Dll[A-Za-z]+' | tr '\n' ' ')
-  if [ "$exports" = "DllCanUnloadNow DllGetClassObject DllRegisterServer DllUnregisterServer " ] &&
+  if [ "$exports" = "DllCanUnloadNow DllGetClassObject DllInstall DllRegisterServer DllUnregisterServer " ] &&
      [ -f "$build/win32/tests/engine/engine_tests.exe" ]; then
     passed=$((passed + 1))
     lines+=("$(printf '%-22s    ok  built; the control exports %s' x86 "$exports")")
@@ -99,6 +99,20 @@ if [ "$only" = all ]; then
     failed=$((failed + 1))
     lines+=("$(printf '%-22s FAILED (exports: %s)' x86 "$exports")")
   fi
+  # The x86 packages cannot be installed here: their tables are checked.
+  version=$(sed -n 's/^project(FileEncoder VERSION \([0-9.]*\).*/\1/p' "$root/CMakeLists.txt")
+  for scope in perMachine perUser; do
+    package="$build/win32/installer/FileEncoder-$version-x86$([ $scope = perUser ] && echo -user).msi"
+    log="$logs/x86-msi-$scope.log"
+    if /usr/bin/python3 "$root/tests/install/check_msi_tables.py" "$package" x86 $scope "$version" \
+         >"$log" 2>&1; then
+      passed=$((passed + 1))
+      lines+=("$(printf '%-22s    ok  %s' "x86-msi-$scope" "$(basename "$package")")")
+    else
+      failed=$((failed + 1))
+      lines+=("$(printf '%-22s FAILED (%s)' "x86-msi-$scope" "$log")")
+    fi
+  done
   run_script_suite debian-package "$root/tests/package/check-package.sh" "$build" "$build/package"
 fi
 run_fuzz_targets

@@ -1,10 +1,14 @@
 // DllRegisterServer / DllUnregisterServer: the ProgIDs, the class key with
-// its control subkeys, and the type library.
+// its control subkeys, and the type library, machine-wide. DllInstall with
+// the command line "user" (regsvr32 /n /i:user) writes the same entries under
+// the current user's classes key, for users without administrator rights.
 #include <windows.h>
 
 #include <oleauto.h>
 
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "control.h"
 #include "module.h"
@@ -31,12 +35,13 @@ std::wstring ClassKey() {
   return L"CLSID\\" + GuidText(CLSID_FileEncoder);
 }
 
-// Creates key (below HKEY_CLASSES_ROOT) and sets its default value, or the
-// named value `name`, when value is given.
-LSTATUS SetValue(const std::wstring& key, const wchar_t* value, const wchar_t* name = nullptr) {
+// Creates key (below root) and sets its default value, or the named value
+// `name`, when value is given.
+LSTATUS SetValue(HKEY root, const std::wstring& key, const wchar_t* value,
+                 const wchar_t* name = nullptr) {
   HKEY handle = nullptr;
-  LSTATUS status = ::RegCreateKeyExW(HKEY_CLASSES_ROOT, key.c_str(), 0, nullptr, 0, KEY_WRITE,
-                                     nullptr, &handle, nullptr);
+  LSTATUS status =
+      ::RegCreateKeyExW(root, key.c_str(), 0, nullptr, 0, KEY_WRITE, nullptr, &handle, nullptr);
   if (status != ERROR_SUCCESS) return status;
   if (value != nullptr) {
     const auto bytes = static_cast<DWORD>((wcslen(value) + 1) * sizeof(wchar_t));
@@ -46,19 +51,19 @@ LSTATUS SetValue(const std::wstring& key, const wchar_t* value, const wchar_t* n
   return status;
 }
 
-LSTATUS DeleteTree(const std::wstring& key) {
-  const LSTATUS status = ::RegDeleteTreeW(HKEY_CLASSES_ROOT, key.c_str());
-  if (status == ERROR_SUCCESS) ::RegDeleteKeyW(HKEY_CLASSES_ROOT, key.c_str());
+LSTATUS DeleteTree(HKEY root, const std::wstring& key) {
+  const LSTATUS status = ::RegDeleteTreeW(root, key.c_str());
+  if (status == ERROR_SUCCESS) ::RegDeleteKeyW(root, key.c_str());
   return status == ERROR_FILE_NOT_FOUND ? ERROR_SUCCESS : status;
 }
 
-HRESULT WriteClassKeys() {
+HRESULT WriteClassKeys(HKEY root) {
   const std::wstring path = ModulePath();
   const std::wstring classId = GuidText(CLSID_FileEncoder);
   const std::wstring libraryId = GuidText(LIBID_FileEncoderCtl);
   const std::wstring cls = ClassKey();
   // The class key is replaced whole.
-  DeleteTree(cls);
+  DeleteTree(root, cls);
   const std::wstring toolbox = path + L", " + std::to_wstring(IDB_TOOLBOX);
   const struct {
     std::wstring key;
@@ -85,9 +90,154 @@ HRESULT WriteClassKeys() {
       {cls + L"\\Version", L"1.0", nullptr},
   };
   for (const auto& entry : entries) {
-    const LSTATUS status = SetValue(entry.key, entry.value, entry.name);
+    const LSTATUS status = SetValue(root, entry.key, entry.value, entry.name);
     if (status != ERROR_SUCCESS) return HRESULT_FROM_WIN32(status);
   }
+  return S_OK;
+}
+
+void DeleteClassKeys(HKEY root) {
+  DeleteTree(root, kProgId);
+  DeleteTree(root, kIndependentProgId);
+  DeleteTree(root, ClassKey());
+}
+
+// The proxy/stub classes of OLE automation, as RegisterTypeLib names them:
+// dual interfaces are marshalled through their v-table, dispinterfaces
+// through IDispatch alone.
+constexpr wchar_t kDualProxyStub[] = L"{00020424-0000-0000-C000-000000000046}";
+constexpr wchar_t kDispatchProxyStub[] = L"{00020420-0000-0000-C000-000000000046}";
+
+struct LibraryInterface {
+  GUID id;
+  std::wstring name;
+  const wchar_t* proxy_stub;
+};
+
+// The dispatch interfaces of the library, found as RegisterTypeLib finds
+// them, so the per-user entries match the machine-wide ones.
+std::vector<LibraryInterface> DispatchInterfaces(ITypeLib* library) {
+  std::vector<LibraryInterface> found;
+  for (UINT index = 0; index < library->GetTypeInfoCount(); ++index) {
+    TYPEKIND kind = TKIND_MAX;
+    if (FAILED(library->GetTypeInfoType(index, &kind)) || kind != TKIND_DISPATCH) continue;
+    ITypeInfo* info = nullptr;
+    if (FAILED(library->GetTypeInfo(index, &info))) continue;
+    TYPEATTR* attributes = nullptr;
+    BSTR name = nullptr;
+    if (SUCCEEDED(info->GetTypeAttr(&attributes)) &&
+        SUCCEEDED(info->GetDocumentation(MEMBERID_NIL, &name, nullptr, nullptr, nullptr))) {
+      const bool dual = (attributes->wTypeFlags & TYPEFLAG_FDUAL) != 0;
+      found.push_back({attributes->guid, name, dual ? kDualProxyStub : kDispatchProxyStub});
+    }
+    ::SysFreeString(name);
+    if (attributes != nullptr) info->ReleaseTypeAttr(attributes);
+    info->Release();
+  }
+  return found;
+}
+
+std::wstring LibraryKey() {
+  return L"TypeLib\\" + GuidText(LIBID_FileEncoderCtl);
+}
+
+// RegisterTypeLib writes only below the machine's classes: the same entries
+// are written here below the user's.
+HRESULT WriteLibraryKeys(HKEY root) {
+  const std::wstring path = ModulePath();
+  ITypeLib* library = nullptr;
+  HRESULT hr = ::LoadTypeLibEx(path.c_str(), REGKIND_NONE, &library);
+  if (FAILED(hr)) return hr;
+  TLIBATTR* attributes = nullptr;
+  BSTR description = nullptr;
+  hr = library->GetLibAttr(&attributes);
+  if (SUCCEEDED(hr)) {
+    hr = library->GetDocumentation(MEMBERID_NIL, nullptr, &description, nullptr, nullptr);
+  }
+  std::vector<LibraryInterface> interfaces;
+  std::wstring flags;
+  if (SUCCEEDED(hr)) {
+    interfaces = DispatchInterfaces(library);
+    flags = std::to_wstring(attributes->wLibFlags);
+  }
+  if (attributes != nullptr) library->ReleaseTLibAttr(attributes);
+  library->Release();
+  if (FAILED(hr)) return hr;
+
+  const std::wstring version = LibraryKey() + L"\\1.0";
+  const std::wstring folder = path.substr(0, path.find_last_of(L'\\'));
+  const std::wstring libraryId = GuidText(LIBID_FileEncoderCtl);
+  const wchar_t* platform = sizeof(void*) == 8 ? L"win64" : L"win32";
+  std::vector<std::pair<std::wstring, std::wstring>> entries = {
+      {version, description != nullptr ? description : L""},
+      {version + L"\\0\\" + platform, path},
+      {version + L"\\FLAGS", flags},
+      {version + L"\\HELPDIR", folder},
+  };
+  ::SysFreeString(description);
+  LSTATUS status = ERROR_SUCCESS;
+  for (const auto& [key, value] : entries) {
+    if (status == ERROR_SUCCESS) status = SetValue(root, key, value.c_str());
+  }
+  for (const LibraryInterface& item : interfaces) {
+    const std::wstring key = L"Interface\\" + GuidText(item.id);
+    if (status == ERROR_SUCCESS) status = SetValue(root, key, item.name.c_str());
+    if (status == ERROR_SUCCESS)
+      status = SetValue(root, key + L"\\ProxyStubClsid", item.proxy_stub);
+    if (status == ERROR_SUCCESS)
+      status = SetValue(root, key + L"\\ProxyStubClsid32", item.proxy_stub);
+    if (status == ERROR_SUCCESS) status = SetValue(root, key + L"\\TypeLib", libraryId.c_str());
+    if (status == ERROR_SUCCESS) status = SetValue(root, key + L"\\TypeLib", L"1.0", L"Version");
+  }
+  return HRESULT_FROM_WIN32(status);
+}
+
+void DeleteLibraryKeys(HKEY root) {
+  DeleteTree(root, LibraryKey());
+  DeleteTree(root, L"Interface\\" + GuidText(IID_IFileEncoder));
+  DeleteTree(root, L"Interface\\" + GuidText(DIID__IFileEncoderEvents));
+}
+
+// The current user's classes key, which HKEY_CLASSES_ROOT merges over the
+// machine's on Windows.
+class UserClasses {
+ public:
+  UserClasses() {
+    status_ = ::RegCreateKeyExW(HKEY_CURRENT_USER, L"Software\\Classes", 0, nullptr, 0,
+                                KEY_READ | KEY_WRITE, nullptr, &key_, nullptr);
+  }
+  ~UserClasses() {
+    if (key_ != nullptr) ::RegCloseKey(key_);
+  }
+  UserClasses(const UserClasses&) = delete;
+  UserClasses& operator=(const UserClasses&) = delete;
+  LSTATUS status() const { return status_; }
+  HKEY key() const { return key_; }
+
+ private:
+  HKEY key_ = nullptr;
+  LSTATUS status_;
+};
+
+HRESULT InstallForUser() {
+  UserClasses classes;
+  if (classes.status() != ERROR_SUCCESS) return HRESULT_FROM_WIN32(classes.status());
+  if (FAILED(WriteClassKeys(classes.key()))) {
+    DeleteClassKeys(classes.key());
+    return SELFREG_E_CLASS;
+  }
+  if (FAILED(WriteLibraryKeys(classes.key()))) {
+    DeleteLibraryKeys(classes.key());
+    return SELFREG_E_TYPELIB;
+  }
+  return S_OK;
+}
+
+HRESULT UninstallForUser() {
+  UserClasses classes;
+  if (classes.status() != ERROR_SUCCESS) return HRESULT_FROM_WIN32(classes.status());
+  DeleteClassKeys(classes.key());
+  DeleteLibraryKeys(classes.key());
   return S_OK;
 }
 
@@ -97,7 +247,7 @@ HRESULT WriteClassKeys() {
 
 extern "C" HRESULT STDAPICALLTYPE DllRegisterServer() {
   using namespace fe::ocx;
-  HRESULT hr = WriteClassKeys();
+  HRESULT hr = WriteClassKeys(HKEY_CLASSES_ROOT);
   if (FAILED(hr)) return SELFREG_E_CLASS;
   ITypeLib* library = nullptr;
   const std::wstring path = ModulePath();
@@ -112,11 +262,17 @@ extern "C" HRESULT STDAPICALLTYPE DllRegisterServer() {
 extern "C" HRESULT STDAPICALLTYPE DllUnregisterServer() {
   using namespace fe::ocx;
   // The CLSID key itself belongs to the system and stays.
-  DeleteTree(kProgId);
-  DeleteTree(kIndependentProgId);
-  DeleteTree(ClassKey());
+  DeleteClassKeys(HKEY_CLASSES_ROOT);
   // A library that was never registered is as good as unregistered.
   ::UnRegisterTypeLib(LIBID_FileEncoderCtl, 1, 0, LOCALE_NEUTRAL,
                       sizeof(void*) == 8 ? SYS_WIN64 : SYS_WIN32);
   return S_OK;
+}
+
+// regsvr32 /n /i:user installs for the current user, regsvr32 /u /n /i:user
+// removes that again; no other command line is understood.
+extern "C" HRESULT STDAPICALLTYPE DllInstall(BOOL install, LPCWSTR command_line) {
+  using namespace fe::ocx;
+  if (command_line == nullptr || ::lstrcmpiW(command_line, L"user") != 0) return E_INVALIDARG;
+  return install ? InstallForUser() : UninstallForUser();
 }
