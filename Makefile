@@ -37,6 +37,9 @@ deb: bootstrap
 msi: win64 win32
 	@ls $(BUILD)/win64/installer/*.msi $(BUILD)/win32/installer/*.msi
 
+docs: bootstrap
+	@scripts/build-docs.sh $(BUILD)
+
 bench: bootstrap
 	@scripts/build-bench-peers.sh $(BUILD)
 	@$(CMAKE) -S . -B $(BUILD)/bench -DCMAKE_BUILD_TYPE=Release -DFE_BENCH=ON >/dev/null

@@ -114,6 +114,7 @@ if [ "$only" = all ]; then
     fi
   done
   run_script_suite debian-package "$root/tests/package/check-package.sh" "$build" "$build/package"
+  run_script_suite docs "$root/tests/docs/check-docs.sh" "$build"
 fi
 run_fuzz_targets
 

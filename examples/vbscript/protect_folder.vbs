@@ -10,27 +10,25 @@ If WScript.Arguments.Count <> 2 Then
   WScript.Quit 2
 End If
 
-Dim fso, fe, file, packed, count
+Dim fso, fe, file, packed, count, failure
 Set fso = CreateObject("Scripting.FileSystemObject")
 Set fe = CreateObject("Orvane.FileEncoder")
-' With ThrowError set, a failure raises a script error instead of only
-' setting the Error argument; the error number is the control's.
-fe.ThrowError = True
 fe.Password = WScript.Arguments(1)
 count = 0
 For Each file In fso.GetFolder(WScript.Arguments(0)).Files
   If LCase(Right(file.Name, 9)) <> ".lzma.aes" Then
     packed = fso.BuildPath(fso.GetSpecialFolder(2), fso.GetTempName())
-    On Error Resume Next
-    fe.CompressFile file.Path, packed, fileCompressionLzma, 6
-    If Err.Number = 0 Then fe.EncryptFile packed, file.Path & ".lzma.aes"
-    If Err.Number <> 0 Then
-      WScript.Echo file.Name & ": " & Err.Description & " (" & fe.LastError & ")"
+    ' The last argument receives 0 or the error number. (ThrowError would
+    ' raise only the control's own codes, not system errors such as 32, a
+    ' file in use: checking the argument catches both.)
+    fe.CompressFile file.Path, packed, fileCompressionLzma, 6, failure
+    If failure = 0 Then fe.EncryptFile packed, file.Path & ".lzma.aes", , failure
+    If failure <> 0 Then
+      WScript.Echo file.Name & ": " & fe.LastErrorString & " (" & failure & ")"
     Else
       WScript.Echo file.Name & " -> " & file.Name & ".lzma.aes"
       count = count + 1
     End If
-    On Error GoTo 0
     If fso.FileExists(packed) Then fso.DeleteFile packed
   End If
 Next
