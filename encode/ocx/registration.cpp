@@ -51,6 +51,24 @@ LSTATUS SetValue(HKEY root, const std::wstring& key, const wchar_t* value,
   return status;
 }
 
+// One registry entry: the default value of key, or its value `name`; a
+// null value makes the key alone.
+struct Entry {
+  std::wstring key;
+  std::wstring value;
+  const wchar_t* name = nullptr;
+  bool key_only = false;
+};
+
+HRESULT WriteEntries(HKEY root, const std::vector<Entry>& entries) {
+  for (const Entry& entry : entries) {
+    const LSTATUS status =
+        SetValue(root, entry.key, entry.key_only ? nullptr : entry.value.c_str(), entry.name);
+    if (status != ERROR_SUCCESS) return HRESULT_FROM_WIN32(status);
+  }
+  return S_OK;
+}
+
 LSTATUS DeleteTree(HKEY root, const std::wstring& key) {
   const LSTATUS status = ::RegDeleteTreeW(root, key.c_str());
   if (status == ERROR_SUCCESS) ::RegDeleteKeyW(root, key.c_str());
@@ -65,35 +83,28 @@ HRESULT WriteClassKeys(HKEY root) {
   // The class key is replaced whole.
   DeleteTree(root, cls);
   const std::wstring toolbox = path + L", " + std::to_wstring(IDB_TOOLBOX);
-  const struct {
-    std::wstring key;
-    const wchar_t* value;
-    const wchar_t* name;
-  } entries[] = {
-      {kProgId, kDescription, nullptr},
-      {std::wstring(kProgId) + L"\\CLSID", classId.c_str(), nullptr},
-      {kIndependentProgId, kDescription, nullptr},
-      {std::wstring(kIndependentProgId) + L"\\CLSID", classId.c_str(), nullptr},
-      {std::wstring(kIndependentProgId) + L"\\CurVer", kProgId, nullptr},
-      {cls, kDescription, nullptr},
-      {cls + L"\\ProgID", kProgId, nullptr},
-      {cls + L"\\VersionIndependentProgID", kIndependentProgId, nullptr},
-      {cls + L"\\Programmable", nullptr, nullptr},
-      {cls + L"\\InprocServer32", path.c_str(), nullptr},
-      {cls + L"\\InprocServer32", L"Apartment", L"ThreadingModel"},
-      {cls + L"\\Control", nullptr, nullptr},
-      {cls + L"\\Insertable", nullptr, nullptr},
-      {cls + L"\\ToolboxBitmap32", toolbox.c_str(), nullptr},
-      {cls + L"\\MiscStatus", L"0", nullptr},
-      {cls + L"\\MiscStatus\\1", kMiscStatus, nullptr},
-      {cls + L"\\TypeLib", libraryId.c_str(), nullptr},
-      {cls + L"\\Version", L"1.0", nullptr},
-  };
-  for (const auto& entry : entries) {
-    const LSTATUS status = SetValue(root, entry.key, entry.value, entry.name);
-    if (status != ERROR_SUCCESS) return HRESULT_FROM_WIN32(status);
-  }
-  return S_OK;
+  const std::wstring progId = kProgId;
+  const std::wstring independent = kIndependentProgId;
+  return WriteEntries(root, {
+                                {progId, kDescription},
+                                {progId + L"\\CLSID", classId},
+                                {independent, kDescription},
+                                {independent + L"\\CLSID", classId},
+                                {independent + L"\\CurVer", progId},
+                                {cls, kDescription},
+                                {cls + L"\\ProgID", progId},
+                                {cls + L"\\VersionIndependentProgID", independent},
+                                {cls + L"\\Programmable", L"", nullptr, true},
+                                {cls + L"\\InprocServer32", path},
+                                {cls + L"\\InprocServer32", L"Apartment", L"ThreadingModel"},
+                                {cls + L"\\Control", L"", nullptr, true},
+                                {cls + L"\\Insertable", L"", nullptr, true},
+                                {cls + L"\\ToolboxBitmap32", toolbox},
+                                {cls + L"\\MiscStatus", L"0"},
+                                {cls + L"\\MiscStatus\\1", kMiscStatus},
+                                {cls + L"\\TypeLib", libraryId},
+                                {cls + L"\\Version", L"1.0"},
+                            });
 }
 
 void DeleteClassKeys(HKEY root) {
@@ -168,28 +179,22 @@ HRESULT WriteLibraryKeys(HKEY root) {
   const std::wstring folder = path.substr(0, path.find_last_of(L'\\'));
   const std::wstring libraryId = GuidText(LIBID_FileEncoderCtl);
   const wchar_t* platform = sizeof(void*) == 8 ? L"win64" : L"win32";
-  std::vector<std::pair<std::wstring, std::wstring>> entries = {
+  std::vector<Entry> entries = {
       {version, description != nullptr ? description : L""},
       {version + L"\\0\\" + platform, path},
       {version + L"\\FLAGS", flags},
       {version + L"\\HELPDIR", folder},
   };
   ::SysFreeString(description);
-  LSTATUS status = ERROR_SUCCESS;
-  for (const auto& [key, value] : entries) {
-    if (status == ERROR_SUCCESS) status = SetValue(root, key, value.c_str());
-  }
   for (const LibraryInterface& item : interfaces) {
     const std::wstring key = L"Interface\\" + GuidText(item.id);
-    if (status == ERROR_SUCCESS) status = SetValue(root, key, item.name.c_str());
-    if (status == ERROR_SUCCESS)
-      status = SetValue(root, key + L"\\ProxyStubClsid", item.proxy_stub);
-    if (status == ERROR_SUCCESS)
-      status = SetValue(root, key + L"\\ProxyStubClsid32", item.proxy_stub);
-    if (status == ERROR_SUCCESS) status = SetValue(root, key + L"\\TypeLib", libraryId.c_str());
-    if (status == ERROR_SUCCESS) status = SetValue(root, key + L"\\TypeLib", L"1.0", L"Version");
+    entries.push_back({key, item.name});
+    entries.push_back({key + L"\\ProxyStubClsid", item.proxy_stub});
+    entries.push_back({key + L"\\ProxyStubClsid32", item.proxy_stub});
+    entries.push_back({key + L"\\TypeLib", libraryId});
+    entries.push_back({key + L"\\TypeLib", L"1.0", L"Version"});
   }
-  return HRESULT_FROM_WIN32(status);
+  return WriteEntries(root, entries);
 }
 
 void DeleteLibraryKeys(HKEY root) {
@@ -227,7 +232,10 @@ HRESULT InstallForUser() {
     return SELFREG_E_CLASS;
   }
   if (FAILED(WriteLibraryKeys(classes.key()))) {
+    // Half a registration would make the class creatable without its
+    // type library: take it all back.
     DeleteLibraryKeys(classes.key());
+    DeleteClassKeys(classes.key());
     return SELFREG_E_TYPELIB;
   }
   return S_OK;

@@ -82,10 +82,12 @@ def read_keys(classes):
     entries = set()
     with tempfile.TemporaryDirectory(dir=drive_c()) as folder:
         folder = pathlib.Path(folder)
-        # One command line for all keys: each Wine process start costs seconds.
-        commands = [f'reg export "{classes}\\{key}" "{windows_path(folder / f"{index}.reg")}" /y'
-                    for index, key in enumerate(OWN_KEYS)]
-        wine("cmd", "/c", " & ".join(commands), check=False)
+        # One batch file for all keys: each Wine process start costs seconds.
+        batch = folder / "export.cmd"
+        batch.write_text("".join(
+            f'reg export "{classes}\\{key}" "{windows_path(folder / f"{index}.reg")}" /y\r\n'
+            for index, key in enumerate(OWN_KEYS)))
+        wine("cmd", "/c", windows_path(batch), check=False)
         for target in sorted(folder.glob("*.reg")):
             current = None
             for line in target.read_bytes().decode("utf-16").splitlines():
@@ -127,6 +129,11 @@ class Installation(unittest.TestCase):
         wine("regsvr32", "/s", module)
         cls.registered = normalized(read_keys(MACHINE_CLASSES), module)
         wine("regsvr32", "/s", "/u", module)
+        # The reference itself: every key the control owns, with its entries.
+        found = {key.split("\\")[0] + "\\" + key.split("\\")[1] if "\\" in key else key
+                 for key, _, _ in cls.registered}
+        assert set(OWN_KEYS) <= found, found
+        assert ("CLSID\\" + IDS["CLASS"] + "\\Insertable", None, None) in cls.registered
 
     @classmethod
     def tearDownClass(cls):
@@ -246,4 +253,8 @@ class Installation(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    unittest.main(verbosity=2)
+    # The summary line is what the test runner counts.
+    outcome = unittest.main(verbosity=2, exit=False).result
+    failures = len(outcome.failures) + len(outcome.errors)
+    print(f"{outcome.testsRun - failures} passed, {failures} failed")
+    sys.exit(1 if failures else 0)
