@@ -51,8 +51,8 @@ LSTATUS SetValue(HKEY root, const std::wstring& key, const wchar_t* value,
   return status;
 }
 
-// One registry entry: the default value of key, or its value `name`; a
-// null value makes the key alone.
+// One registry entry: the default value of key, or its value `name`;
+// key_only makes the key with no value at all.
 struct Entry {
   std::wstring key;
   std::wstring value;

@@ -4,7 +4,6 @@ Wine prefix and checks what they print and write.
   samples_test.py <build folder of the Windows x64 build> <source folder>
 """
 import hashlib
-import os
 import pathlib
 import random
 import re
