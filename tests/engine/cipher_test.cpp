@@ -148,6 +148,44 @@ TEST(BufferCipher, DecryptedDataLargerThanTheCapacityFails) {
   EXPECT_EQ(EngineGetLastError(), 122u);
 }
 
+TEST(BufferCipher, CapacityRunningOutInAMiddleChunkFails) {
+  // 10000 bytes decrypt in chunks of 4096, 4096 and 1808: room for one
+  // chunk and a half stops on the second.
+  const Bytes cipher = Encrypt("pw", RandomBytes(10000, 99));
+  for (uint32_t capacity : {4095u, 4096u, 6000u, 8191u, 9999u}) {
+    Bytes out(10016);
+    uint32_t length = capacity;
+    EngineSetLastError(0);
+    EXPECT_FALSE(DecryptBuffer("pw", cipher.data(), 10016, out.data(), &length));
+    EXPECT_EQ(EngineGetLastError(), 122u) << capacity;
+    EXPECT_EQ(length, 0u);
+  }
+}
+
+TEST(BufferCipher, InputAndOutputMayBeTheSameBuffer) {
+  const Bytes plain = RandomBytes(10000, 100);
+  const Bytes cipher = Encrypt("pw", plain);
+  Bytes buffer = plain;
+  buffer.resize(10016);
+  uint32_t length = 10016;
+  ASSERT_TRUE(EncryptBuffer("pw", buffer.data(), 10000, buffer.data(), &length));
+  ASSERT_EQ(length, 10016u);
+  EXPECT_EQ(buffer, cipher);
+  ASSERT_TRUE(DecryptBuffer("pw", buffer.data(), 10016, buffer.data(), &length));
+  ASSERT_EQ(length, 10000u);
+  buffer.resize(length);
+  EXPECT_EQ(buffer, plain);
+}
+
+TEST(BufferCipher, WrongPasswordOverSeveralChunksIsInvalidData) {
+  const Bytes cipher = Encrypt("right", RandomBytes(9000, 101));
+  Bytes out(9008);
+  uint32_t length = 9008;
+  EXPECT_FALSE(DecryptBuffer("wrong", cipher.data(), 9008, out.data(), &length));
+  EXPECT_EQ(EngineGetLastError(), 13u);
+  EXPECT_EQ(length, 0u);
+}
+
 TEST(BufferCipher, NullArgumentsAreInvalidParameter) {
   uint8_t data[32] = {};
   uint32_t length = 32;

@@ -54,15 +54,23 @@ bool RunCipher(Direction direction, const char* password, const uint8_t* input,
   while (done < inputLength) {
     const uint32_t chunk = std::min(kChunkSize, inputLength - done);
     const bool final = done + chunk == inputLength;
-    std::memcpy(work.data(), input + done, chunk);
     uint32_t length = chunk;
-    error = fe::platform::CipherTransform(key, encrypt, final, work.data(), &length, workSize);
-    if (error == 0 && length > remaining) error = fe::kErrorInsufficientBuffer;
+    if (!final && chunk <= remaining) {
+      // A chunk before the last one comes out exactly as long as it went in,
+      // so it goes straight into the caller's buffer: no plain text passes
+      // through the work buffer and there is nothing to clear.
+      error =
+          fe::platform::CipherTransformBlocks(key, encrypt, input + done, output + written, chunk);
+    } else {
+      std::memcpy(work.data(), input + done, chunk);
+      error = fe::platform::CipherTransform(key, encrypt, final, work.data(), &length, workSize);
+      if (error == 0 && length > remaining) error = fe::kErrorInsufficientBuffer;
+      if (error == 0) std::memcpy(output + written, work.data(), length);
+      Wipe(work.data(), workSize);
+    }
     if (error != 0) break;
-    std::memcpy(output + written, work.data(), length);
     written += length;
     remaining -= length;
-    Wipe(work.data(), workSize);
     done += chunk;
   }
   Wipe(work.data(), work.size());

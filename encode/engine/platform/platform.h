@@ -87,6 +87,11 @@ uint32_t OpenCipherKey(const uint8_t* material, size_t length, CipherKey** key);
 // unpadded. bufferSize is the room for the padded result.
 uint32_t CipherTransform(CipherKey* key, bool encrypt, bool final, uint8_t* data, uint32_t* length,
                          uint32_t bufferSize);
+// Encrypts or decrypts a run of whole blocks that is not the end of the
+// message from `input` into `output` (the same buffer or apart), chaining
+// on from the previous call as CipherTransform does.
+uint32_t CipherTransformBlocks(CipherKey* key, bool encrypt, const uint8_t* input, uint8_t* output,
+                               uint32_t length);
 void CloseCipherKey(CipherKey* key);
 
 // ---- Files and paths ----

@@ -38,18 +38,46 @@ uint32_t OpenCipherKey(const uint8_t* material, size_t length, CipherKey** key) 
   return 0;
 }
 
+namespace {
+
+// Starts a message in the given direction unless one is under way.
+bool StartMessage(CipherKey* key, bool encrypt) {
+  if (key->direction == static_cast<int>(encrypt)) return true;
+  static const uint8_t kZeroIv[kBlock] = {};
+  if (EVP_CipherInit_ex(key->context, EVP_aes_256_cbc(), nullptr, key->key, kZeroIv,
+                        encrypt ? 1 : 0) != 1 ||
+      EVP_CIPHER_CTX_set_padding(key->context, 0) != 1) {
+    return false;
+  }
+  key->direction = encrypt ? 1 : 0;
+  return true;
+}
+
+bool Update(CipherKey* key, const uint8_t* input, uint8_t* output, uint32_t length) {
+  int out = 0;
+  return length == 0 ||
+         (EVP_CipherUpdate(key->context, output, &out, input, static_cast<int>(length)) == 1 &&
+          static_cast<uint32_t>(out) == length);
+}
+
+}  // namespace
+
+uint32_t CipherTransformBlocks(CipherKey* key, bool encrypt, const uint8_t* input, uint8_t* output,
+                               uint32_t length) {
+  if (length % kBlock != 0) return encrypt ? kBadLength : kBadData;
+  if (!StartMessage(key, encrypt)) return kServiceFailure;
+  // OpenSSL works in place or between separate buffers, not across an overlap.
+  if (input != output && input < output + length && output < input + length) {
+    std::memmove(output, input, length);
+    input = output;
+  }
+  return Update(key, input, output, length) ? 0 : kServiceFailure;
+}
+
 uint32_t CipherTransform(CipherKey* key, bool encrypt, bool final, uint8_t* data, uint32_t* length,
                          uint32_t bufferSize) {
   const uint32_t n = *length;
-  if (key->direction != static_cast<int>(encrypt)) {
-    static const uint8_t kZeroIv[kBlock] = {};
-    if (EVP_CipherInit_ex(key->context, EVP_aes_256_cbc(), nullptr, key->key, kZeroIv,
-                          encrypt ? 1 : 0) != 1 ||
-        EVP_CIPHER_CTX_set_padding(key->context, 0) != 1) {
-      return kServiceFailure;
-    }
-    key->direction = encrypt ? 1 : 0;
-  }
+  if (!StartMessage(key, encrypt)) return kServiceFailure;
   uint32_t total = n;
   if (encrypt) {
     if (!final && n % kBlock != 0) return kBadLength;
@@ -64,12 +92,7 @@ uint32_t CipherTransform(CipherKey* key, bool encrypt, bool final, uint8_t* data
   } else if (n % kBlock != 0) {
     return kBadData;
   }
-  int out = 0;
-  if (total > 0 &&
-      (EVP_CipherUpdate(key->context, data, &out, data, static_cast<int>(total)) != 1 ||
-       static_cast<uint32_t>(out) != total)) {
-    return kServiceFailure;
-  }
+  if (!Update(key, data, data, total)) return kServiceFailure;
   if (final) key->direction = -1;  // the next call starts a new message
   if (!encrypt && final) {
     const uint8_t pad = total > 0 ? data[total - 1] : 0;

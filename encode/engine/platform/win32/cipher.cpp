@@ -3,6 +3,8 @@
 
 #include <wincrypt.h>
 
+#include <cstring>
+
 #include "platform/platform.h"
 
 namespace fe::platform {
@@ -41,6 +43,14 @@ uint32_t CipherTransform(CipherKey* key, bool encrypt, bool final, uint8_t* data
   if (!done) return ::GetLastError();
   *length = count;
   return 0;
+}
+
+uint32_t CipherTransformBlocks(CipherKey* key, bool encrypt, const uint8_t* input, uint8_t* output,
+                               uint32_t length) {
+  // The service works in place only.
+  std::memmove(output, input, length);
+  uint32_t count = length;
+  return CipherTransform(key, encrypt, false, output, &count, length);
 }
 
 void CloseCipherKey(CipherKey* key) {
