@@ -3,6 +3,7 @@
 // independent tool on the same file. Rates are of the original file's size.
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <fstream>
 #include <functional>
 #include <random>
@@ -17,8 +18,15 @@ namespace {
 using fe::bench::SecondsOf;
 using fe::bench::Tool;
 
+// FE_BENCH_ONLY=text runs only the rows whose name holds that text.
+bool Selected(const char* what) {
+  const char* only = std::getenv("FE_BENCH_ONLY");
+  return only == nullptr || std::strstr(what, only) != nullptr;
+}
+
 void Row(const char* what, double megabytes, const std::function<bool()>& ours,
          const std::string& tool) {
+  if (!Selected(what)) return;
   bool ok = false;
   const double mine = SecondsOf(ours, &ok);
   std::printf("%-34s %9.1f MB/s%s", what, megabytes / mine, ok ? "" : " (FAILED)");

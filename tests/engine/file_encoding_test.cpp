@@ -283,6 +283,45 @@ TEST_F(FileEncoding, UudecodeEmptyLineBeforeALongRunReadsNothingPastTheLine) {
   EXPECT_FALSE(ok);
 }
 
+TEST_F(FileEncoding, UudecodeLineHoldingANulMovesOnByItsTextLength) {
+  // "#86)C" NUL "XYZ" CR LF: the offset moves on by the 5 characters before
+  // the NUL, the line end and the LF, so the next line read is "YZ", whose
+  // length character 'Y' asks for 57 bytes from the one character 'Z'.
+  const std::string text = std::string("begin 644 f\r\n#86)C\0XYZ\r\n`\r\nend\r\n", 35);
+  bool ok = true;
+  Bytes expected = ToBytes("abc");
+  expected.push_back(('Z' - 32) << 2);
+  expected.resize(expected.size() + 56, 0);
+  EXPECT_EQ(Decoded(text, kUucode, &ok), expected);
+  EXPECT_TRUE(ok);
+}
+
+TEST_F(FileEncoding, FilesLargerThanTheReadBlockKeepTheirPieces) {
+  // 3 MiB and a bit: each codec still sees the 512-byte (Base32) and
+  // 16-byte (quoted-printable) pieces of plain reads across every block.
+  const Bytes data = RandomBytes(3 * 1048576 + 7, 12);
+  Base32State state{};
+  std::string base32;
+  char text[1024];
+  for (size_t at = 0; at < data.size(); at += 512) {
+    const auto n = static_cast<int32_t>(std::min<size_t>(512, data.size() - at));
+    base32.append(text, Base32EncodeChunk(data.data() + at, n, text, sizeof text, &state, 1));
+  }
+  base32.append(text, Base32EncodeFinish(&state, text, sizeof text, 1));
+  EXPECT_EQ(Encoded(data, kBase32), base32);
+  std::string quoted;
+  for (size_t at = 0; at < data.size(); at += 16) {
+    const auto n = static_cast<int32_t>(std::min<size_t>(16, data.size() - at));
+    quoted.append(text, QpEncode(data.data() + at, n, text, 48, 1));
+  }
+  EXPECT_EQ(Encoded(data, kQuoted), quoted);
+  for (uint32_t flags : {kQuoted, kUucode, kYencode, kBase32, kBase85}) {
+    bool ok = false;
+    EXPECT_EQ(Decoded(Encoded(data, flags), flags, &ok), data) << flags;
+    EXPECT_TRUE(ok) << flags;
+  }
+}
+
 // ---- yEnc ----
 
 TEST_F(FileEncoding, YencEmptyFile) {

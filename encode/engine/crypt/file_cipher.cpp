@@ -72,7 +72,7 @@ bool MakeTemporaryFile(std::string* name) {
 }
 
 // Runs the cipher over the input into the open temporary file, in the
-// 4096-byte chunks of the buffer form; reads and writes go through 64 KiB
+// 4096-byte chunks of the buffer form; reads and writes go through 1 MiB
 // buffers, which are cleared afterwards like the work buffer. The
 // service's code, or 0.
 uint32_t Transform(bool encrypt, const char* password, platform::FileHandle input, uint64_t size,

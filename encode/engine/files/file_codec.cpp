@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <new>
 
 #include "crypt/wipe.h"
 #include "errors/last_error.h"
@@ -34,9 +35,9 @@ uint32_t ReadChunk(platform::FileHandle file, void* buffer, uint32_t size) {
   return platform::ReadFile(file, buffer, size, &read) ? read : 0;
 }
 
-void WriteUnchecked(platform::FileHandle file, const void* data, uint32_t size) {
-  uint32_t written = 0;
-  if (size > 0) platform::WriteFile(file, data, size, &written);
+IoBlock::IoBlock() : large_(new (std::nothrow) uint8_t[kLarge]) {
+  data_ = large_ ? large_.get() : small_;
+  size_ = large_ ? kLarge : sizeof small_;
 }
 
 uint32_t BufferedReader::Read(void* buffer, uint32_t size) {
@@ -44,12 +45,12 @@ uint32_t BufferedReader::Read(void* buffer, uint32_t size) {
   uint32_t done = 0;
   while (done < size) {
     if (at_ == length_) {
-      length_ = ReadChunk(file_, data_, sizeof data_);
+      length_ = ReadChunk(file_, block_.data(), block_.size());
       at_ = 0;
       if (length_ == 0) break;
     }
     const uint32_t n = std::min(size - done, length_ - at_);
-    std::memcpy(out + done, data_ + at_, n);
+    std::memcpy(out + done, block_.data() + at_, n);
     at_ += n;
     done += n;
   }
@@ -57,29 +58,29 @@ uint32_t BufferedReader::Read(void* buffer, uint32_t size) {
 }
 
 void BufferedReader::Wipe() {
-  crypt::Wipe(data_, sizeof data_);
+  crypt::Wipe(block_.data(), block_.size());
   at_ = length_ = 0;
 }
 
 void BufferedWriter::Write(const void* data, uint32_t size) {
   const auto* in = static_cast<const uint8_t*>(data);
   while (size > 0) {
-    const uint32_t n = std::min<uint32_t>(size, sizeof data_ - length_);
-    std::memcpy(data_ + length_, in, n);
+    const uint32_t n = std::min(size, block_.size() - length_);
+    std::memcpy(block_.data() + length_, in, n);
     length_ += n;
     in += n;
     size -= n;
-    if (length_ == sizeof data_) Flush();
+    if (length_ == block_.size()) Flush();
   }
 }
 
 void BufferedWriter::Flush() {
-  if (length_ > 0 && !failed_) failed_ = !compress::WriteAll(file_, data_, length_);
+  if (length_ > 0 && !failed_) failed_ = !compress::WriteAll(file_, block_.data(), length_);
   length_ = 0;
 }
 
 void BufferedWriter::Wipe() {
-  crypt::Wipe(data_, sizeof data_);
+  crypt::Wipe(block_.data(), block_.size());
   length_ = 0;
 }
 

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 
 #include "compress/compressed_file.h"
 #include "platform/platform.h"
@@ -24,11 +25,28 @@ struct FilePair {
 
 // Reads up to size bytes; 0 at the end or on a failed read.
 uint32_t ReadChunk(platform::FileHandle file, void* buffer, uint32_t size);
-// Writes without checking: these codecs have never reported write errors.
-void WriteUnchecked(platform::FileHandle file, const void* data, uint32_t size);
 
-// Reads a file through a 64 KiB buffer: the codecs that take small pieces
-// (16 or 45 bytes) get exactly the pieces plain reads would give, without a
+// The memory a buffered reader or writer works through: 1 MiB, so a file
+// takes one system call per megabyte, or a 4 KiB block of its own when
+// that much memory is not to be had.
+class IoBlock {
+ public:
+  IoBlock();
+  IoBlock(const IoBlock&) = delete;
+  IoBlock& operator=(const IoBlock&) = delete;
+  uint8_t* data() { return data_; }
+  uint32_t size() const { return size_; }
+
+ private:
+  static constexpr uint32_t kLarge = 1u << 20;
+  std::unique_ptr<uint8_t[]> large_;
+  uint8_t small_[4096];
+  uint8_t* data_;
+  uint32_t size_;
+};
+
+// Reads a file through an IoBlock: the codecs that take small pieces (16
+// or 45 bytes) get exactly the pieces plain reads would give, without a
 // system call for each.
 class BufferedReader {
  public:
@@ -41,12 +59,12 @@ class BufferedReader {
 
  private:
   platform::FileHandle file_;
-  uint8_t data_[65536];
+  IoBlock block_;
   uint32_t at_ = 0;
   uint32_t length_ = 0;
 };
 
-// Collects output and writes it in 64 KiB pieces (and on Flush). Most
+// Collects output and writes it a block at a time (and on Flush). Most
 // codecs never look at write errors; Failed() tells those that do.
 class BufferedWriter {
  public:
@@ -66,7 +84,7 @@ class BufferedWriter {
 
  private:
   platform::FileHandle file_;
-  uint8_t data_[65536];
+  IoBlock block_;
   uint32_t length_ = 0;
   bool failed_ = false;
 };

@@ -27,7 +27,8 @@ char UuChar(uint32_t value) {
 // Lines of the file by position: the line at an offset is the first line
 // end within the 1024 bytes from there. A last line without a line end, or
 // a line of 1024 characters or more, ends the input. The bytes come from a
-// 64 KiB window over the file rather than a seek and read for every line.
+// window over the file (an IoBlock) rather than a seek and read for every
+// line.
 class UuLines {
  public:
   explicit UuLines(fe::platform::FileHandle file) : file_(file) {}
@@ -36,21 +37,28 @@ class UuLines {
   // advances *offset past its line end.
   char* Read(char* buffer, int64_t* offset) {
     if (!Cover(*offset)) return nullptr;
-    const auto from = static_cast<size_t>(*offset - start_);
-    const size_t read = std::min(kLineBufferSize, length_ - from);
-    if (read == 0) return nullptr;
-    std::memcpy(buffer, window_ + from, read);
-    size_t end = 0;
-    while (end < read && buffer[end] != '\r' && buffer[end] != '\n')
-      ++end;
+    const uint8_t* from = window_.data() + (*offset - start_);
+    const size_t read = std::min(kLineBufferSize, length_ - static_cast<size_t>(*offset - start_));
+    size_t end = LineEnd(from, read);
     if (end == read) return nullptr;
-    const bool crlf = buffer[end] == '\r' && end + 1 < read && buffer[end + 1] == '\n';
+    const bool crlf = from[end] == '\r' && end + 1 < read && from[end + 1] == '\n';
+    std::memcpy(buffer, from, end);
     buffer[end] = '\0';
+    // The offset moves on by the text's length up to its first NUL, as it
+    // always has: a line holding a NUL makes the next line start after it.
     *offset += static_cast<int64_t>(std::strlen(buffer)) + 1 + (crlf ? 1 : 0);
     return buffer;
   }
 
  private:
+  // The position of the first CR or LF among the n bytes, or n.
+  static size_t LineEnd(const uint8_t* bytes, size_t n) {
+    const void* lf = std::memchr(bytes, '\n', n);
+    const size_t before = lf ? static_cast<size_t>(static_cast<const uint8_t*>(lf) - bytes) : n;
+    const void* cr = std::memchr(bytes, '\r', before);
+    return cr ? static_cast<size_t>(static_cast<const uint8_t*>(cr) - bytes) : before;
+  }
+
   // Makes the window hold the 1024 bytes from offset, or all up to the end.
   bool Cover(int64_t offset) {
     const int64_t end = start_ + static_cast<int64_t>(length_);
@@ -61,17 +69,17 @@ class UuLines {
     if (!fe::platform::SeekFile(file_, offset)) return false;
     start_ = offset;
     length_ = 0;
-    for (uint32_t n; length_ < sizeof window_ &&
-                     (n = ReadChunk(file_, window_ + length_,
-                                    static_cast<uint32_t>(sizeof window_ - length_))) > 0;) {
+    for (uint32_t n; length_ < window_.size() &&
+                     (n = ReadChunk(file_, window_.data() + length_,
+                                    static_cast<uint32_t>(window_.size() - length_))) > 0;) {
       length_ += n;
     }
-    at_end_ = length_ < sizeof window_;
+    at_end_ = length_ < window_.size();
     return true;
   }
 
   fe::platform::FileHandle file_;
-  uint8_t window_[65536];
+  IoBlock window_;
   int64_t start_ = 0;
   size_t length_ = 0;
   bool at_end_ = false;
@@ -161,13 +169,16 @@ int UudecodeFile(const char* inputName, const char* outputName) {
   const char* target = named ? outputName : storedName.c_str();
   ScopedFile output(fe::platform::OpenFile(target, fe::platform::FileOpen::kCreate));
   if (!output.Valid()) return 0;
+  // Decoded bytes collect in a 1 KiB block that is handed on when nearly
+  // full; the writer only saves on system calls.
+  BufferedWriter writer(output.get());
   uint8_t bytes[kLineBufferSize];
   size_t used = 0;
   text = lines.Read(line, &offset);
   while (text != nullptr) {
     int n = (text[0] - 32) & 63;
     if (n == 0) {
-      WriteUnchecked(output.get(), bytes, static_cast<uint32_t>(used));
+      writer.Write(bytes, static_cast<uint32_t>(used));
       text = lines.Read(line, &offset);
       return text != nullptr && std::strcmp(text, "end") == 0 ? 1 : 0;
     }
@@ -179,12 +190,16 @@ int UudecodeFile(const char* inputName, const char* outputName) {
     const size_t length = text[0] != '\0' ? std::strlen(text + 1) : 0;
     for (size_t at = 0; n > 0; at += 4, n -= 3) {
       if (used >= kDecodeFlushAt) {
-        WriteUnchecked(output.get(), bytes, static_cast<uint32_t>(used));
+        writer.Write(bytes, static_cast<uint32_t>(used));
         used = 0;
       }
       uint8_t v[4];
-      for (size_t k = 0; k < 4; ++k) {
-        v[k] = at + k < length ? static_cast<uint8_t>((c[at + k] - 32) & 63) : 0;
+      if (at + 4 <= length) {
+        for (size_t k = 0; k < 4; ++k)
+          v[k] = static_cast<uint8_t>((c[at + k] - 32) & 63);
+      } else {
+        for (size_t k = 0; k < 4; ++k)
+          v[k] = at + k < length ? static_cast<uint8_t>((c[at + k] - 32) & 63) : 0;
       }
       bytes[used++] = static_cast<uint8_t>((v[0] << 2) | (v[1] >> 4));
       if (n > 1) bytes[used++] = static_cast<uint8_t>((v[1] << 4) | (v[2] >> 2));
