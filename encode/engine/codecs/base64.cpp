@@ -86,6 +86,16 @@ bool PassedBetweenGroups(uint8_t c) {
   return kPassedBetweenGroups[c];
 }
 
+// The characters the decoder skips inside a group as well.
+constexpr auto kPassedAnywhere = [] {
+  std::array<bool, 256> table{};
+  for (int c = 0; c < 256; ++c)
+    table[c] = IsAsciiSpace(static_cast<uint8_t>(c));
+  return table;
+}();
+
+constexpr fe::codecs::Base64Skips kSkips{kPassedBetweenGroups.data(), kPassedAnywhere.data()};
+
 // Decodes whole clean groups from `in` while they fit, the kernel taking
 // what it can.
 void DecodeGroups(const uint8_t*& in, const uint8_t* end, uint8_t* output, int32_t capacity,
@@ -94,8 +104,8 @@ void DecodeGroups(const uint8_t*& in, const uint8_t* end, uint8_t* output, int32
   if (kernels != nullptr && end - in >= 4 && capacity - written >= 3) {
     size_t groups = 0;
     in += kernels->decodeGroups(in, static_cast<size_t>(end - in),
-                                static_cast<size_t>(capacity - written) / 3,
-                                kPassedBetweenGroups.data(), output + written, &groups);
+                                static_cast<size_t>(capacity - written) / 3, &kSkips,
+                                output + written, &groups);
     written += static_cast<int32_t>(3 * groups);
   }
   while (end - in >= 4 && capacity - written >= 3) {

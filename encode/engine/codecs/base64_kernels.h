@@ -10,19 +10,27 @@
 
 namespace fe::codecs {
 
+// The characters outside the alphabet that decoding passes over: those it
+// skips between groups, and those it skips anywhere, inside a group too
+// (the white space that wrapped text breaks its lines with).
+struct Base64Skips {
+  const bool* betweenGroups;
+  const bool* anywhere;
+};
+
 struct Base64Kernels {
   // Writes four characters for each of the first `groups` 3-byte groups of
   // `in`, reading no byte at or past in + readable (readable >= 3 * groups).
   // Returns how many leading groups it wrote; the caller writes the rest.
   size_t (*encodeGroups)(const uint8_t* in, size_t groups, size_t readable, char* out);
   // Decodes whole groups of alphabet characters from the `length`
-  // characters of `text` into `out`, at most `maxGroups` of them, passing
-  // over between groups every character marked in `passedOver`. Stops at
-  // the first character it does not handle, or earlier; returns how many
-  // characters it consumed and sets *groups to the groups it wrote (three
-  // bytes each).
+  // characters of `text` into `out`, at most `maxGroups` of them, and may
+  // pass over the characters `skips` names where the decoder would. Stops
+  // after a whole group, at the first character it does not handle or
+  // earlier; returns how many characters it consumed and sets *groups to
+  // the groups it wrote (three bytes each).
   size_t (*decodeGroups)(const uint8_t* text, size_t length, size_t maxGroups,
-                         const bool* passedOver, uint8_t* out, size_t* groups);
+                         const Base64Skips* skips, uint8_t* out, size_t* groups);
 };
 
 // Null when no kernel fits this processor or FE_CPU=scalar.

@@ -50,7 +50,9 @@ Detected Detect() {
   found.level = Level::kSse;
   if (!ymm || !Bit(b7, 5)) return found;
   found.level = Level::kAvx2;
-  if (zmm && Bit(b7, 16) && Bit(b7, 30) && Bit(b7, 31) && Bit(c7, 1)) found.level = Level::kAvx512;
+  if (zmm && Bit(b7, 16) && Bit(b7, 30) && Bit(b7, 31) && Bit(c7, 1) && Bit(c7, 6) && Bit(b7, 8)) {
+    found.level = Level::kAvx512;
+  }
 #endif
   return found;
 }

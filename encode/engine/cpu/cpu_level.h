@@ -11,7 +11,7 @@ enum class Level : uint8_t {
   kScalar = 0,
   kSse = 1,     // SSSE3 and SSE4.1
   kAvx2 = 2,    // AVX2 with the operating system saving the YMM registers
-  kAvx512 = 3,  // AVX-512 F, BW, VL and VBMI with ZMM state saved
+  kAvx512 = 3,  // AVX-512 F, BW, VL, VBMI and VBMI2, and BMI2, with ZMM state saved
 };
 
 // Extensions outside the level ladder that some kernels also need.

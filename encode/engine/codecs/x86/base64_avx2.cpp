@@ -226,8 +226,8 @@ size_t CleanGroups(const uint8_t* text, size_t groups, uint8_t* out) {
 }  // namespace
 
 size_t Base64DecodeGroupsAvx2(const uint8_t* text, size_t length, size_t maxGroups,
-                              const bool* passedOver, uint8_t* out, size_t* groups) {
-  return DecodeRuns(text, length, maxGroups, passedOver, out, groups, CleanGroups);
+                              const Base64Skips* skips, uint8_t* out, size_t* groups) {
+  return DecodeRuns(text, length, maxGroups, skips->betweenGroups, out, groups, CleanGroups);
 }
 
 }  // namespace fe::codecs::x86

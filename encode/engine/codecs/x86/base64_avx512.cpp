@@ -1,4 +1,5 @@
-// Base64 with AVX-512 VBMI: 48 bytes to 64 characters and back per step.
+// Base64 with AVX-512 VBMI and VBMI2: 48 bytes to 64 characters and back
+// per step.
 // Byte permutes place each group's bytes, a multishift cuts the four
 // sextets out of every 32-bit lane and a 64-entry permute turns them into
 // characters; decoding looks every character up in a 128-entry table.
@@ -10,7 +11,6 @@
 #include <array>
 
 #include "codecs/base64_alphabet.h"
-#include "codecs/x86/base64_decode_runs.h"
 #include "codecs/x86/kernels.h"
 
 namespace fe::codecs::x86 {
@@ -119,19 +119,22 @@ struct Decoder {
   __m512i highHalf = Load64(kSextets.data() + 64);
   __m512i pack = Load64(kPack.data());
 
-  // Decodes `count` groups (1 to 16) at `text` into the first 3 * count
-  // bytes of *bytes; returns a mask of the characters outside the alphabet.
-  __mmask64 Step(const uint8_t* text, size_t count, __m512i* bytes) const {
-    const __mmask64 taken = FirstBytes(4 * count);
-    const __m512i characters =
-        count == kStepGroups ? Load64(text) : _mm512_maskz_loadu_epi8(taken, text);
-    const __m512i sextets = _mm512_permutex2var_epi8(lowHalf, characters, highHalf);
-    const __m512i pairs = _mm512_maddubs_epi16(sextets, _mm512_set1_epi32(0x01400140));
-    const __m512i lanes = _mm512_madd_epi16(pairs, _mm512_set1_epi32(0x00011000));
-    *bytes = Permute(pack, lanes);
+  // Looks up the `count` characters (up to 64) at `text`; returns a mask of
+  // those outside the alphabet.
+  __mmask64 Look(const uint8_t* text, size_t count, __m512i* sextets) const {
+    const __mmask64 taken = FirstBytes(count);
+    const __m512i characters = count == 64 ? Load64(text) : _mm512_maskz_loadu_epi8(taken, text);
+    *sextets = _mm512_permutex2var_epi8(lowHalf, characters, highHalf);
     // Bytes from 0x80 up and characters outside the alphabet both show
     // bit 7 here.
-    return _mm512_movepi8_mask(_mm512_or_si512(characters, sextets)) & taken;
+    return _mm512_movepi8_mask(_mm512_or_si512(characters, *sextets)) & taken;
+  }
+
+  // The 48 bytes of 16 groups of sextets.
+  __m512i Bytes(__m512i sextets) const {
+    const __m512i pairs = _mm512_maddubs_epi16(sextets, _mm512_set1_epi32(0x01400140));
+    const __m512i lanes = _mm512_madd_epi16(pairs, _mm512_set1_epi32(0x00011000));
+    return Permute(pack, lanes);
   }
 };
 
@@ -143,36 +146,75 @@ void StoreWhole(__m512i bytes, uint8_t* to) {
                    _mm512_maskz_extracti32x4_epi32(0xF, bytes, 2));
 }
 
-size_t CleanGroups(const uint8_t* text, size_t groups, uint8_t* out) {
-  const Decoder decoder;
-  __m512i bytes;
-  for (size_t done = 0; done < groups;) {
-    const size_t end = std::min(groups, done + kStepGroups);
-    const size_t at = StepStart(done, end);
-    const __mmask64 bad = decoder.Step(text + 4 * at, end - at, &bytes);
-    if (bad == 0) {
-      if (end - at == kStepGroups) {
-        StoreWhole(bytes, out + 3 * at);
-      } else {
-        _mm512_mask_storeu_epi8(out + 3 * at, FirstBytes(3 * (end - at)), bytes);
-      }
-      done = end;
-      continue;
-    }
-    // Everything before the first bad character is clean: finish there.
-    const size_t clean = at + static_cast<size_t>(__builtin_ctzll(bad)) / 4;
-    if (clean <= done) return done;
-    _mm512_mask_storeu_epi8(out + 3 * at, FirstBytes(3 * (clean - at)), bytes);
-    return clean;
+// How many of the `count` characters at `text` a step may use: those
+// before the first one outside the alphabet that is not skipped anywhere.
+size_t Usable(const uint8_t* text, size_t count, __mmask64 outside, const bool* anywhere) {
+  for (; outside != 0; outside &= outside - 1) {
+    const auto at = static_cast<size_t>(__builtin_ctzll(outside));
+    if (!anywhere[text[at]]) return at;
   }
-  return groups;
+  return count;
+}
+
+// Where the n-th (from 1) set bit of mask stands.
+size_t NthSetBit(uint64_t mask, unsigned n) {
+#ifdef __x86_64__
+  return static_cast<size_t>(__builtin_ctzll(_pdep_u64(uint64_t{1} << (n - 1), mask)));
+#else
+  // 32-bit builds deposit one half at a time.
+  const auto low = static_cast<uint32_t>(mask);
+  const auto inLow = static_cast<unsigned>(__builtin_popcount(low));
+  if (n <= inLow) return static_cast<size_t>(__builtin_ctz(_pdep_u32(1u << (n - 1), low)));
+  return 32 + static_cast<size_t>(__builtin_ctz(
+                  _pdep_u32(1u << (n - 1 - inLow), static_cast<uint32_t>(mask >> 32))));
+#endif
 }
 
 }  // namespace
 
+// Each step looks at 64 characters. Clean steps decode as they stand; in
+// others the characters skipped anywhere (the line breaks of wrapped text)
+// are squeezed out with a compress, so wrapped text stays in the kernel,
+// and whole groups of what is left are decoded.
 size_t Base64DecodeGroupsAvx512(const uint8_t* text, size_t length, size_t maxGroups,
-                                const bool* passedOver, uint8_t* out, size_t* groups) {
-  return DecodeRuns(text, length, maxGroups, passedOver, out, groups, CleanGroups);
+                                const Base64Skips* skips, uint8_t* out, size_t* groups) {
+  const Decoder decoder;
+  size_t at = 0;
+  size_t done = 0;
+  while (done < maxGroups && length - at >= 4) {
+    const size_t count = std::min<size_t>(64, length - at);
+    const size_t wanted = maxGroups - done;
+    __m512i sextets;
+    const __mmask64 outside = decoder.Look(text + at, count, &sextets);
+    if (outside == 0 && count == 64 && wanted >= kStepGroups) {
+      StoreWhole(decoder.Bytes(sextets), out + 3 * done);
+      at += 64;
+      done += kStepGroups;
+      continue;
+    }
+    const __mmask64 inside =
+        ~outside & FirstBytes(Usable(text + at, count, outside, skips->anywhere));
+    const size_t taken =
+        std::min<size_t>(static_cast<size_t>(__builtin_popcountll(inside)) / 4, wanted);
+    if (taken == 0) {
+      // Only what is skipped between groups may be passed over here.
+      if (!skips->betweenGroups[text[at]]) break;
+      while (at < length && skips->betweenGroups[text[at]])
+        ++at;
+      continue;
+    }
+    const __m512i bytes = decoder.Bytes(_mm512_maskz_compress_epi8(inside, sextets));
+    if (taken == kStepGroups) {
+      StoreWhole(bytes, out + 3 * done);
+    } else {
+      _mm512_mask_storeu_epi8(out + 3 * done, FirstBytes(3 * taken), bytes);
+    }
+    // On past the last character of the last group taken.
+    at += NthSetBit(inside, static_cast<unsigned>(4 * taken)) + 1;
+    done += taken;
+  }
+  *groups = done;
+  return at;
 }
 
 }  // namespace fe::codecs::x86

@@ -5,14 +5,16 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "codecs/base64_kernels.h"
+
 namespace fe::codecs::x86 {
 
 size_t Base64EncodeGroupsAvx2(const uint8_t* in, size_t groups, size_t readable, char* out);
 size_t Base64DecodeGroupsAvx2(const uint8_t* text, size_t length, size_t maxGroups,
-                              const bool* passedOver, uint8_t* out, size_t* groups);
+                              const Base64Skips* skips, uint8_t* out, size_t* groups);
 
 size_t Base64EncodeGroupsAvx512(const uint8_t* in, size_t groups, size_t readable, char* out);
 size_t Base64DecodeGroupsAvx512(const uint8_t* text, size_t length, size_t maxGroups,
-                                const bool* passedOver, uint8_t* out, size_t* groups);
+                                const Base64Skips* skips, uint8_t* out, size_t* groups);
 
 }  // namespace fe::codecs::x86
