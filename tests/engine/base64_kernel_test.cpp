@@ -109,7 +109,10 @@ TEST(Base64Kernels, DecoderAgreesWithCharactersInsertedAnywhere) {
       const size_t at = random() % (text.size() + 1);
       // Mostly white space; now and then a character that ends the vector step.
       const size_t pick = random() % 16 < 14 ? random() % 6 : 6 + random() % 5;
-      text.insert(at, 1 + random() % 3, inserted[pick]);
+      // Short runs, and now and then one long enough to fill most of a
+      // 64-character block.
+      const size_t run = random() % 8 == 0 ? 20 + random() % 60 : 1 + random() % 3;
+      text.insert(at, run, inserted[pick]);
     }
     Base64State fast{}, plain{};
     const auto total = static_cast<int32_t>(text.size());

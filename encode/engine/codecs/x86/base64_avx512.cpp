@@ -52,6 +52,13 @@ constexpr Table64 kPack = [] {
   return table;
 }();
 
+constexpr Table64 kLaneNumbers = [] {
+  Table64 table{};
+  for (int i = 0; i < 64; ++i)
+    table[i] = static_cast<uint8_t>(i);
+  return table;
+}();
+
 constexpr std::array<uint8_t, 128> kSextets = [] {
   std::array<uint8_t, 128> table{};
   table.fill(kNotInAlphabet);
@@ -170,49 +177,102 @@ size_t NthSetBit(uint64_t mask, unsigned n) {
 #endif
 }
 
+// Decodes blocks of 64 characters at a fixed stride while every character
+// outside the alphabet in them is one skipped anywhere and at least half
+// of them are in the alphabet. Each block's sextets are squeezed together
+// and appended to those carried over from the blocks before; every 64
+// gathered sextets decode to 48 bytes. The stride keeps the next load from
+// waiting on this block's count. Returns the characters consumed: up to the
+// first sextet still carried, so the caller goes on after a whole group.
+size_t SqueezedBlocks(const Decoder& decoder, const uint8_t* text, size_t length, size_t maxGroups,
+                      const bool* anywhere, uint8_t* out, size_t* groups) {
+  const __m512i lanes = Load64(kLaneNumbers.data());
+  __m512i carried = _mm512_setzero_si512();
+  size_t fill = 0;                  // sextets carried, fewer than 64
+  uint64_t previous = 0, last = 0;  // the alphabet characters of the last two blocks
+  size_t at = 0;
+  size_t done = 0;
+  while (length - at >= 64 && maxGroups - done >= kStepGroups) {
+    __m512i sextets;
+    const __mmask64 outside = decoder.Look(text + at, 64, &sextets);
+    if (outside != 0 && Usable(text + at, 64, outside, anywhere) < 64) break;
+    const uint64_t inside = ~outside;
+    const auto count = static_cast<size_t>(__builtin_popcountll(inside));
+    // The way back to the first carried sextet needs at most two blocks.
+    if (count < 32) break;
+    const __m512i squeezed = _mm512_maskz_compress_epi8(inside, sextets);
+    // Lane i takes carried[i] below fill, squeezed[i - fill] from there.
+    const __m512i shift = _mm512_set1_epi8(static_cast<char>(64 - fill));
+    const __m512i from = _mm512_mask_add_epi8(lanes, ~FirstBytes(fill), lanes, shift);
+    const __m512i joined = _mm512_permutex2var_epi8(carried, from, squeezed);
+    previous = last;
+    last = inside;
+    at += 64;
+    if (fill + count >= 64) {
+      StoreWhole(decoder.Bytes(joined), out + 3 * done);
+      done += kStepGroups;
+      carried = Permute(_mm512_add_epi8(lanes, shift), squeezed);
+      fill = fill + count - 64;
+    } else {
+      carried = joined;
+      fill += count;
+    }
+  }
+  if (fill > 0) {
+    const auto inLast = static_cast<size_t>(__builtin_popcountll(last));
+    if (fill <= inLast) {
+      at = at - 64 + NthSetBit(last, static_cast<unsigned>(inLast - fill + 1));
+    } else {
+      const auto inPrevious = static_cast<size_t>(__builtin_popcountll(previous));
+      at = at - 128 + NthSetBit(previous, static_cast<unsigned>(inPrevious - (fill - inLast) + 1));
+    }
+  }
+  *groups = done;
+  return at;
+}
+
+// One step of up to 64 characters from `at`, for what stopped the blocks:
+// the white space is squeezed out and whole groups of the rest decoded, or
+// what is skipped between groups passed over. False when it cannot go on.
+bool SingleStep(const Decoder& decoder, const uint8_t* text, size_t length, size_t maxGroups,
+                const Base64Skips* skips, uint8_t* out, size_t* at, size_t* done) {
+  if (*done >= maxGroups || length - *at < 4) return false;
+  const size_t count = std::min<size_t>(64, length - *at);
+  const size_t wanted = maxGroups - *done;
+  __m512i sextets;
+  const __mmask64 outside = decoder.Look(text + *at, count, &sextets);
+  const __mmask64 inside =
+      ~outside & FirstBytes(Usable(text + *at, count, outside, skips->anywhere));
+  const size_t taken =
+      std::min<size_t>(static_cast<size_t>(__builtin_popcountll(inside)) / 4, wanted);
+  if (taken == 0) {
+    // Only what is skipped between groups may be passed over here.
+    if (!skips->betweenGroups[text[*at]]) return false;
+    while (*at < length && skips->betweenGroups[text[*at]])
+      ++*at;
+    return true;
+  }
+  const __m512i bytes = decoder.Bytes(_mm512_maskz_compress_epi8(inside, sextets));
+  _mm512_mask_storeu_epi8(out + 3 * *done, FirstBytes(3 * taken), bytes);
+  // On past the last character of the last group taken.
+  *at += NthSetBit(inside, static_cast<unsigned>(4 * taken)) + 1;
+  *done += taken;
+  return true;
+}
+
 }  // namespace
 
-// Each step looks at 64 characters. Clean steps decode as they stand; in
-// others the characters skipped anywhere (the line breaks of wrapped text)
-// are squeezed out with a compress, so wrapped text stays in the kernel,
-// and whole groups of what is left are decoded.
 size_t Base64DecodeGroupsAvx512(const uint8_t* text, size_t length, size_t maxGroups,
                                 const Base64Skips* skips, uint8_t* out, size_t* groups) {
   const Decoder decoder;
   size_t at = 0;
   size_t done = 0;
-  while (done < maxGroups && length - at >= 4) {
-    const size_t count = std::min<size_t>(64, length - at);
-    const size_t wanted = maxGroups - done;
-    __m512i sextets;
-    const __mmask64 outside = decoder.Look(text + at, count, &sextets);
-    if (outside == 0 && count == 64 && wanted >= kStepGroups) {
-      StoreWhole(decoder.Bytes(sextets), out + 3 * done);
-      at += 64;
-      done += kStepGroups;
-      continue;
-    }
-    const __mmask64 inside =
-        ~outside & FirstBytes(Usable(text + at, count, outside, skips->anywhere));
-    const size_t taken =
-        std::min<size_t>(static_cast<size_t>(__builtin_popcountll(inside)) / 4, wanted);
-    if (taken == 0) {
-      // Only what is skipped between groups may be passed over here.
-      if (!skips->betweenGroups[text[at]]) break;
-      while (at < length && skips->betweenGroups[text[at]])
-        ++at;
-      continue;
-    }
-    const __m512i bytes = decoder.Bytes(_mm512_maskz_compress_epi8(inside, sextets));
-    if (taken == kStepGroups) {
-      StoreWhole(bytes, out + 3 * done);
-    } else {
-      _mm512_mask_storeu_epi8(out + 3 * done, FirstBytes(3 * taken), bytes);
-    }
-    // On past the last character of the last group taken.
-    at += NthSetBit(inside, static_cast<unsigned>(4 * taken)) + 1;
-    done += taken;
-  }
+  do {
+    size_t blockGroups = 0;
+    at += SqueezedBlocks(decoder, text + at, length - at, maxGroups - done, skips->anywhere,
+                         out + 3 * done, &blockGroups);
+    done += blockGroups;
+  } while (SingleStep(decoder, text, length, maxGroups, skips, out, &at, &done));
   *groups = done;
   return at;
 }
