@@ -348,6 +348,39 @@ TEST_F(FileEncoding, YencLinesOf128And129) {
   EXPECT_EQ(text.find("\r\n", first) - first, 129u);
 }
 
+// The encoding a byte at a time, as the format describes it.
+std::string PlainYencBody(const Bytes& data) {
+  std::string body, line;
+  for (size_t i = 0; i < data.size(); ++i) {
+    const auto c = static_cast<uint8_t>(data[i] + 42);
+    if (c == 0 || c == 9 || c == 10 || c == 13 || c == '.' || c == '=') {
+      line += '=';
+      line += static_cast<char>(c + 64);
+    } else {
+      line += static_cast<char>(c);
+    }
+    if (line.size() >= 128 || i + 1 == data.size()) {
+      body += line + "\r\n";
+      line.clear();
+    }
+  }
+  return body;
+}
+
+TEST_F(FileEncoding, YencBodyIsThePlainEncodingAtManySizes) {
+  for (size_t size : {1u, 2u, 127u, 128u, 129u, 4095u, 4096u, 4097u, 10000u, 70000u}) {
+    // Many escapes, so that pairs land on every column.
+    Bytes data = RandomBytes(size, static_cast<uint32_t>(size));
+    for (size_t i = 0; i < size; i += 3)
+      data[i] = static_cast<uint8_t>(256 - 42 + "\0\t\n\r.="[i % 6]);
+    const std::string text = Encoded(data, kYencode, "x");
+    const size_t start = text.find("\r\n") + 2;
+    const size_t end = text.rfind("=yend ");
+    ASSERT_NE(end, std::string::npos);
+    EXPECT_EQ(text.substr(start, end - start), PlainYencBody(data)) << size;
+  }
+}
+
 TEST_F(FileEncoding, YencNameSpacesBecomeUnderscores) {
   EXPECT_EQ(Encoded(ToBytes("x"), kYencode, "my file.txt").substr(0, 42),
             "=ybegin line=128 size=1 name=my_file.txt\r\n");

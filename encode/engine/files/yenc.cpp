@@ -27,8 +27,23 @@ constexpr int kMaxLine = 4096;
 constexpr size_t kMaxName = 259;
 
 // NUL, TAB, LF, CR, '.' and '=' are escaped wherever they stand.
-bool IsCritical(uint8_t c) {
+constexpr bool IsCritical(uint8_t c) {
   return c == 0 || (c <= 61 && ((0x2000400000002600ull >> c) & 1));
+}
+
+constexpr auto kCritical = [] {
+  std::array<bool, 256> table{};
+  for (int c = 0; c < 256; ++c)
+    table[c] = IsCritical(static_cast<uint8_t>(c));
+  return table;
+}();
+
+// Closes the line with CR LF and hands it on.
+void EndLine(BufferedWriter& writer, char* line, size_t* used) {
+  line[(*used)++] = '\r';
+  line[(*used)++] = '\n';
+  writer.Write(line, static_cast<uint32_t>(*used));
+  *used = 0;
 }
 
 // The header's size is a signed 32-bit number.
@@ -271,23 +286,19 @@ int YencodeFile(const char* inputName, const char* outputName) {
     }
     crc = fe::digest::Crc32Update(crc, chunk, n);
     for (uint32_t i = 0; i < n; ++i) {
+      // Both characters of an escape are stored every time; a plain
+      // character takes one place and the next one overwrites the second.
       const auto c = static_cast<uint8_t>(chunk[i] + 42);
-      if (IsCritical(c)) {
-        line[used++] = '=';
-        line[used++] = static_cast<char>(c + 64);
-      } else {
-        line[used++] = static_cast<char>(c);
-      }
-      const bool last = remaining == static_cast<long>(n) && i + 1 == n;
-      if (used >= kLineLength || last) {
-        line[used++] = '\r';
-        line[used++] = '\n';
-        writer.Write(line, static_cast<uint32_t>(used));
-        used = 0;
-      }
+      const bool escaped = kCritical[c];
+      line[used] = escaped ? '=' : static_cast<char>(c);
+      line[used + 1] = static_cast<char>(c + 64);
+      used += escaped ? 2 : 1;
+      if (used >= kLineLength) EndLine(writer, line, &used);
     }
     remaining -= static_cast<long>(n);
   }
+  // The last byte ends its line wherever it stands.
+  if (used > 0) EndLine(writer, line, &used);
   // The space before the line end is part of the format files were always
   // written in.
   length = std::snprintf(text, sizeof text, "=yend size=%ld crc32=%08lx \r\n", size,
