@@ -38,6 +38,15 @@ constexpr auto kCritical = [] {
   return table;
 }();
 
+// The characters a data line's decoder takes as they stand: all but the
+// terminator, the line ends and the escape.
+constexpr auto kPlainInLine = [] {
+  std::array<bool, 256> table{};
+  table.fill(true);
+  table[0] = table['\r'] = table['\n'] = table['='] = false;
+  return table;
+}();
+
 // Closes the line with CR LF and hands it on.
 void EndLine(BufferedWriter& writer, char* line, size_t* used) {
   line[(*used)++] = '\r';
@@ -71,16 +80,22 @@ class LineReader {
  public:
   explicit LineReader(platform::FileHandle file) : file_(file) {}
   bool Next(char* line) {
-    int length = 0;
+    size_t length = 0;
     while (length < kMaxLine - 1) {
       if (at_ == have_) {
         have_ = ReadChunk(file_, chunk_, sizeof chunk_);
         at_ = 0;
         if (have_ == 0) break;
       }
-      const char c = static_cast<char>(chunk_[at_++]);
-      line[length++] = c;
-      if (c == '\n') break;
+      // Up to and with the LF, as much as the line still takes.
+      const size_t room = std::min<size_t>(kMaxLine - 1 - length, have_ - at_);
+      const void* lf = std::memchr(chunk_ + at_, '\n', room);
+      const size_t n =
+          lf ? static_cast<size_t>(static_cast<const uint8_t*>(lf) - (chunk_ + at_)) + 1 : room;
+      std::memcpy(line + length, chunk_ + at_, n);
+      at_ += static_cast<uint32_t>(n);
+      length += n;
+      if (lf) break;
     }
     line[length] = '\0';
     return length > 0;
@@ -175,27 +190,34 @@ class Decoder {
 
   // Decodes data lines up to the "=yend " trailer, which stays in line_.
   bool DecodePart(uint32_t* crc, long* count) {
-    uint8_t buffer[kReadChunk];
+    // Decoded bytes gather in a block; the output is removed on any
+    // failure, so how much is written at a time shows nowhere.
+    uint8_t* const buffer = decoded_.data();
     size_t used = 0;
+    // Adds one decoded byte; a full buffer goes into the checksum and out.
+    const auto put = [&](uint8_t value) {
+      ++*count;
+      buffer[used++] = static_cast<uint8_t>(value - 42);
+      if (used < decoded_.size()) return true;
+      *crc = fe::digest::Crc32Update(*crc, buffer, used);
+      used = 0;
+      return fe::compress::WriteAll(output_.get(), buffer, decoded_.size());
+    };
     for (;;) {
       if (!NextLine()) return false;
       if (StartsWith(line_, "=yend ")) break;
       for (const char* p = line_; *p != '\0'; ++p) {
-        if (*p == '\r' || *p == '\n') continue;
-        uint8_t c = static_cast<uint8_t>(*p);
-        if (c == '=') {
-          const char next = p[1];
-          if (next == '\0' || next == '\r' || next == '\n') return false;
-          c = static_cast<uint8_t>(static_cast<uint8_t>(next) - 64);
-          ++p;
+        const auto c = static_cast<uint8_t>(*p);
+        if (kPlainInLine[c]) {
+          if (!put(c)) return false;
+          continue;
         }
-        ++*count;
-        buffer[used++] = static_cast<uint8_t>(c - 42);
-        if (used == sizeof buffer) {
-          *crc = fe::digest::Crc32Update(*crc, buffer, used);
-          if (!fe::compress::WriteAll(output_.get(), buffer, used)) return false;
-          used = 0;
-        }
+        if (c == '\r' || c == '\n') continue;
+        // The escape: the next character less 64, which must be there.
+        const char next = p[1];
+        if (next == '\0' || next == '\r' || next == '\n') return false;
+        if (!put(static_cast<uint8_t>(static_cast<uint8_t>(next) - 64))) return false;
+        ++p;
       }
     }
     *crc = fe::digest::Crc32Update(*crc, buffer, used);
@@ -222,6 +244,7 @@ class Decoder {
   platform::FileIdentity created_;
   std::string output_name_;
   char line_[kMaxLine];
+  IoBlock decoded_;
 };
 
 }  // namespace
