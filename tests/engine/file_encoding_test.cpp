@@ -287,7 +287,8 @@ TEST_F(FileEncoding, UudecodeLineHoldingANulMovesOnByItsTextLength) {
   // "#86)C" NUL "XYZ" CR LF: the offset moves on by the 5 characters before
   // the NUL, the line end and the LF, so the next line read is "YZ", whose
   // length character 'Y' asks for 57 bytes from the one character 'Z'.
-  const std::string text = std::string("begin 644 f\r\n#86)C\0XYZ\r\n`\r\nend\r\n", 35);
+  const char raw[] = "begin 644 f\r\n#86)C\0XYZ\r\n`\r\nend\r\n";
+  const std::string text(raw, sizeof raw - 1);
   bool ok = true;
   Bytes expected = ToBytes("abc");
   expected.push_back(('Z' - 32) << 2);
