@@ -5,7 +5,6 @@
 #include <array>
 #include <cstdio>
 #include <cstring>
-#include <memory>
 #include <string>
 
 #include "crypt/key_string.h"
@@ -84,8 +83,8 @@ uint32_t Transform(bool encrypt, const char* password, platform::FileHandle inpu
       platform::OpenCipherKey(reinterpret_cast<const uint8_t*>(keyString), keyLength, &key);
   Wipe(keyString, sizeof keyString);
   if (opened != 0) return opened;
-  auto reader = std::make_unique<files::BufferedReader>(input);
-  auto writer = std::make_unique<files::BufferedWriter>(output);
+  files::BufferedReader reader(input);
+  files::BufferedWriter writer(output);
   std::array<uint8_t, kEncryptWorkSize> work{};
   const uint32_t workSize = encrypt ? kEncryptWorkSize : kChunkSize;
   uint64_t total = 0;
@@ -94,24 +93,24 @@ uint32_t Transform(bool encrypt, const char* password, platform::FileHandle inpu
   // A failed read ends the loop as the end of the file would, without an
   // error, as files made by earlier versions were: what was transformed so
   // far is the result.
-  uint32_t read = reader->Read(work.data(), kChunkSize);
+  uint32_t read = reader.Read(work.data(), kChunkSize);
   while (read > 0) {
     total += read;
     if (total == size) final = true;
     uint32_t length = read;
     error = platform::CipherTransform(key, encrypt, final, work.data(), &length, workSize);
     if (error != 0) break;
-    writer->Write(work.data(), length);
+    writer.Write(work.data(), length);
     Wipe(work.data(), work.size());
-    read = reader->Read(work.data(), kChunkSize);
+    read = reader.Read(work.data(), kChunkSize);
   }
   if (error == 0) {
-    writer->Flush();
-    if (writer->Failed()) error = LastError();
+    writer.Flush();
+    if (writer.Failed()) error = LastError();
   }
-  writer->Discard();
-  writer->Wipe();
-  reader->Wipe();
+  writer.Discard();
+  writer.Wipe();
+  reader.Wipe();
   Wipe(work.data(), work.size());
   platform::CloseCipherKey(key);
   return error;

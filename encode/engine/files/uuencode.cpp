@@ -194,12 +194,8 @@ int UudecodeFile(const char* inputName, const char* outputName) {
         used = 0;
       }
       uint8_t v[4];
-      if (at + 4 <= length) {
-        for (size_t k = 0; k < 4; ++k)
-          v[k] = static_cast<uint8_t>((c[at + k] - 32) & 63);
-      } else {
-        for (size_t k = 0; k < 4; ++k)
-          v[k] = at + k < length ? static_cast<uint8_t>((c[at + k] - 32) & 63) : 0;
+      for (size_t k = 0; k < 4; ++k) {
+        v[k] = at + k < length ? static_cast<uint8_t>((c[at + k] - 32) & 63) : 0;
       }
       bytes[used++] = static_cast<uint8_t>((v[0] << 2) | (v[1] >> 4));
       if (n > 1) bytes[used++] = static_cast<uint8_t>((v[1] << 4) | (v[2] >> 2));
