@@ -1,6 +1,8 @@
 // Throughput of the file operations on one large file (256 MiB unless
 // FE_BENCH_FILE_MB says otherwise), each beside the same work done by an
-// independent tool on the same file. Rates are of the original file's size.
+// independent tool on the same file, the two taking turns over three rounds.
+// Rates are of the original file's size.
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -15,6 +17,7 @@
 
 namespace {
 
+using fe::bench::Compare;
 using fe::bench::SecondsOf;
 using fe::bench::Tool;
 
@@ -24,19 +27,24 @@ bool Selected(const char* what) {
   return only == nullptr || std::strstr(what, only) != nullptr;
 }
 
+// Ours and the tool take turns over three rounds; the best of each side
+// is reported. Without a tool, ours alone, best of three.
 void Row(const char* what, double megabytes, const std::function<bool()>& ours,
          const std::string& tool) {
   if (!Selected(what)) return;
-  bool ok = false;
-  const double mine = SecondsOf(ours, &ok);
-  std::printf("%-34s %9.1f MB/s%s", what, megabytes / mine, ok ? "" : " (FAILED)");
   if (!tool.empty()) {
-    bool theirsOk = false;
-    const double theirs = SecondsOf([&] { return Tool(tool); }, &theirsOk);
-    std::printf("   %9.1f MB/s%s  %s", megabytes / theirs, theirsOk ? "" : " (FAILED)",
-                tool.c_str());
+    Compare(
+        what, megabytes, ours, [&] { return Tool(tool); }, tool);
+    return;
   }
-  std::printf("\n");
+  double best = 1e9;
+  bool ok = true;
+  for (int round = 0; round < 3; ++round) {
+    bool done = false;
+    best = std::min(best, SecondsOf(ours, &done));
+    ok &= done;
+  }
+  std::printf("%-26s %9.1f MB/s%s\n", what, megabytes / best, ok ? "" : " (FAILED)");
   std::fflush(stdout);
 }
 
