@@ -5,6 +5,7 @@
 #include <cstring>
 #include <set>
 
+#include "reference/yenc_reference.h"
 #include "temp_folder.h"
 #include "test_support.h"
 
@@ -349,23 +350,11 @@ TEST_F(FileEncoding, YencLinesOf128And129) {
   EXPECT_EQ(text.find("\r\n", first) - first, 129u);
 }
 
-// The encoding a byte at a time, as the format describes it.
+// The encoding a byte at a time, the last line closed where it stands.
 std::string PlainYencBody(const Bytes& data) {
-  std::string body, line;
-  for (size_t i = 0; i < data.size(); ++i) {
-    const auto c = static_cast<uint8_t>(data[i] + 42);
-    if (c == 0 || c == 9 || c == 10 || c == 13 || c == '.' || c == '=') {
-      line += '=';
-      line += static_cast<char>(c + 64);
-    } else {
-      line += static_cast<char>(c);
-    }
-    if (line.size() >= 128 || i + 1 == data.size()) {
-      body += line + "\r\n";
-      line.clear();
-    }
-  }
-  return body;
+  size_t lineUsed = 0;
+  const std::string body = reference::YencEncodeBody(data.data(), data.size(), &lineUsed);
+  return lineUsed > 0 ? body + "\r\n" : body;
 }
 
 TEST_F(FileEncoding, YencBodyIsThePlainEncodingAtManySizes) {

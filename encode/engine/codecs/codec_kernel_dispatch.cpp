@@ -1,5 +1,6 @@
 // The only place that knows which vector kernels the codecs have.
 #include "codecs/base64_kernels.h"
+#include "codecs/yenc_kernels.h"
 #include "cpu/cpu_level.h"
 
 #if defined(__x86_64__) || defined(__i386__)
@@ -22,10 +23,24 @@ const Base64Kernels* PickBase64Kernels() {
   return nullptr;
 }
 
+// yEnc's kernels squeeze with VBMI2; below AVX-512 the byte loops run.
+const YencKernels* PickYencKernels() {
+#ifdef FE_CODECS_X86
+  static constexpr YencKernels kAvx512{x86::YencEncodeBlocksAvx512, x86::YencDecodeLineAvx512};
+  if (cpu::ChosenLevel() >= cpu::Level::kAvx512) return &kAvx512;
+#endif
+  return nullptr;
+}
+
 }  // namespace
 
 const Base64Kernels* ChosenBase64Kernels() {
   static const Base64Kernels* const chosen = PickBase64Kernels();
+  return chosen;
+}
+
+const YencKernels* ChosenYencKernels() {
+  static const YencKernels* const chosen = PickYencKernels();
   return chosen;
 }
 

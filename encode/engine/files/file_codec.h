@@ -27,8 +27,9 @@ struct FilePair {
 uint32_t ReadChunk(platform::FileHandle file, void* buffer, uint32_t size);
 
 // The memory a buffered reader or writer works through: 1 MiB, so a file
-// takes one system call per megabyte, or a 4 KiB block of its own when
-// that much memory is not to be had.
+// takes one system call per megabyte, or an 8 KiB block of its own when
+// that much memory is not to be had (enough for the longest yEnc line the
+// decoder reads, with its vector stores' slack).
 class IoBlock {
  public:
   IoBlock();
@@ -40,7 +41,7 @@ class IoBlock {
  private:
   static constexpr uint32_t kLarge = 1u << 20;
   std::unique_ptr<uint8_t[]> large_;
-  uint8_t small_[4096];
+  uint8_t small_[8192];
   uint8_t* data_;
   uint32_t size_;
 };

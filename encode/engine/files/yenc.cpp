@@ -2,7 +2,6 @@
 // size and CRC-32 checks. Both sides go through the platform's files with
 // its share modes, and refuse an output that is the input itself.
 #include <algorithm>
-#include <array>
 #include <cctype>
 #include <cstdio>
 #include <cstdlib>
@@ -10,6 +9,7 @@
 #include <string>
 
 #include "codecs/codec_internal.h"
+#include "codecs/yenc_body.h"
 #include "digest/crc32.h"
 #include "errors/last_error.h"
 #include "errors/system_errors.h"
@@ -21,39 +21,9 @@ namespace {
 using namespace fe::files;
 namespace platform = fe::platform;
 
-constexpr long kLineLength = 128;
 constexpr size_t kReadChunk = 4096;
 constexpr int kMaxLine = 4096;
 constexpr size_t kMaxName = 259;
-
-// NUL, TAB, LF, CR, '.' and '=' are escaped wherever they stand.
-constexpr bool IsCritical(uint8_t c) {
-  return c == 0 || (c <= 61 && ((0x2000400000002600ull >> c) & 1));
-}
-
-constexpr auto kCritical = [] {
-  std::array<bool, 256> table{};
-  for (int c = 0; c < 256; ++c)
-    table[c] = IsCritical(static_cast<uint8_t>(c));
-  return table;
-}();
-
-// The characters a data line's decoder takes as they stand: all but the
-// terminator, the line ends and the escape.
-constexpr auto kPlainInLine = [] {
-  std::array<bool, 256> table{};
-  table.fill(true);
-  table[0] = table['\r'] = table['\n'] = table['='] = false;
-  return table;
-}();
-
-// Closes the line with CR LF and hands it on.
-void EndLine(BufferedWriter& writer, char* line, size_t* used) {
-  line[(*used)++] = '\r';
-  line[(*used)++] = '\n';
-  writer.Write(line, static_cast<uint32_t>(*used));
-  *used = 0;
-}
 
 // The header's size is a signed 32-bit number.
 constexpr uint64_t kLargestFile = 0x7FFFFFFF;
@@ -75,11 +45,12 @@ platform::FileHandle CreateOutput(platform::FileHandle input, const char* output
 }
 
 // Lines of at most kMaxLine - 1 characters, each with its LF, as fgets
-// gives them, read from the file in 64 KiB pieces.
+// gives them, read from the file in 64 KiB pieces. Next gives the line's
+// length, NULs included (0 at the end of the file).
 class LineReader {
  public:
   explicit LineReader(platform::FileHandle file) : file_(file) {}
-  bool Next(char* line) {
+  size_t Next(char* line) {
     size_t length = 0;
     while (length < kMaxLine - 1) {
       if (at_ == have_) {
@@ -98,7 +69,7 @@ class LineReader {
       if (lf) break;
     }
     line[length] = '\0';
-    return length > 0;
+    return length;
   }
 
  private:
@@ -176,7 +147,7 @@ class Decoder {
   }
 
  private:
-  bool NextLine() { return lines_.Next(line_); }
+  bool NextLine() { return lines_.Next(line_) > 0; }
 
   bool ReadPartLine(long* begin, long* end) {
     if (!NextLine() || !StartsWith(line_, "=ypart ")) return false;
@@ -194,34 +165,23 @@ class Decoder {
     // failure, so how much is written at a time shows nowhere.
     uint8_t* const buffer = decoded_.data();
     size_t used = 0;
-    // Adds one decoded byte; a full buffer goes into the checksum and out.
-    const auto put = [&](uint8_t value) {
-      ++*count;
-      buffer[used++] = static_cast<uint8_t>(value - 42);
-      if (used < decoded_.size()) return true;
+    const auto flush = [&] {
       *crc = fe::digest::Crc32Update(*crc, buffer, used);
+      const bool written = fe::compress::WriteAll(output_.get(), buffer, used);
       used = 0;
-      return fe::compress::WriteAll(output_.get(), buffer, decoded_.size());
+      return written;
     };
     for (;;) {
-      if (!NextLine()) return false;
+      const size_t length = lines_.Next(line_);
+      if (length == 0) return false;
       if (StartsWith(line_, "=yend ")) break;
-      for (const char* p = line_; *p != '\0'; ++p) {
-        const auto c = static_cast<uint8_t>(*p);
-        if (kPlainInLine[c]) {
-          if (!put(c)) return false;
-          continue;
-        }
-        if (c == '\r' || c == '\n') continue;
-        // The escape: the next character less 64, which must be there.
-        const char next = p[1];
-        if (next == '\0' || next == '\r' || next == '\n') return false;
-        if (!put(static_cast<uint8_t>(static_cast<uint8_t>(next) - 64))) return false;
-        ++p;
-      }
+      if (decoded_.size() - used < length + 64 && !flush()) return false;
+      size_t made = 0;
+      if (!fe::codecs::DecodeYencLine(line_, length, buffer + used, &made)) return false;
+      used += made;
+      *count += static_cast<long>(made);
     }
-    *crc = fe::digest::Crc32Update(*crc, buffer, used);
-    return fe::compress::WriteAll(output_.get(), buffer, used);
+    return flush();
   }
 
   int Succeed() {
@@ -293,12 +253,12 @@ int YencodeFile(const char* inputName, const char* outputName) {
   }
   char text[kMaxName + 96];
   int length = std::snprintf(text, sizeof text, "=ybegin line=%ld size=%ld name=%s\r\n",
-                             kLineLength, size, name.c_str());
+                             static_cast<long>(fe::codecs::kYencLineLength), size, name.c_str());
   writer.Write(text, static_cast<uint32_t>(length));
   uint32_t crc = 0xFFFFFFFF;
-  char line[kLineLength + 4];
-  size_t used = 0;
   uint8_t chunk[kReadChunk];
+  char encoded[fe::codecs::YencEncodedRoom(kReadChunk)];
+  size_t lineUsed = 0;
   fe::SetLastError(0);
   for (long remaining = size; remaining > 0;) {
     const auto n = static_cast<uint32_t>(std::min<long>(remaining, kReadChunk));
@@ -308,20 +268,12 @@ int YencodeFile(const char* inputName, const char* outputName) {
       return fail();
     }
     crc = fe::digest::Crc32Update(crc, chunk, n);
-    for (uint32_t i = 0; i < n; ++i) {
-      // Both characters of an escape are stored every time; a plain
-      // character takes one place and the next one overwrites the second.
-      const auto c = static_cast<uint8_t>(chunk[i] + 42);
-      const bool escaped = kCritical[c];
-      line[used] = escaped ? '=' : static_cast<char>(c);
-      line[used + 1] = static_cast<char>(c + 64);
-      used += escaped ? 2 : 1;
-      if (used >= kLineLength) EndLine(writer, line, &used);
-    }
+    const size_t made = fe::codecs::EncodeYencBody(chunk, n, encoded, &lineUsed);
+    writer.Write(encoded, static_cast<uint32_t>(made));
     remaining -= static_cast<long>(n);
   }
   // The last byte ends its line wherever it stands.
-  if (used > 0) EndLine(writer, line, &used);
+  if (lineUsed > 0) writer.Write("\r\n", 2);
   // The space before the line end is part of the format files were always
   // written in.
   length = std::snprintf(text, sizeof text, "=yend size=%ld crc32=%08lx \r\n", size,

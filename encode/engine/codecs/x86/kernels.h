@@ -1,11 +1,13 @@
 // Vector kernels of the codecs. Only the dispatch unit names them, after
-// cpuid; their contracts are those of codecs/base64_kernels.h.
+// cpuid; their contracts are those of codecs/base64_kernels.h and
+// codecs/yenc_kernels.h.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 
 #include "codecs/base64_kernels.h"
+#include "codecs/yenc_kernels.h"
 
 namespace fe::codecs::x86 {
 
@@ -16,5 +18,9 @@ size_t Base64DecodeGroupsAvx2(const uint8_t* text, size_t length, size_t maxGrou
 size_t Base64EncodeGroupsAvx512(const uint8_t* in, size_t groups, size_t readable, char* out);
 size_t Base64DecodeGroupsAvx512(const uint8_t* text, size_t length, size_t maxGroups,
                                 const Base64Skips* skips, uint8_t* out, size_t* groups);
+
+size_t YencEncodeBlocksAvx512(const uint8_t* in, size_t length, char* out, size_t* lineUsed,
+                              size_t* written);
+size_t YencDecodeLineAvx512(const uint8_t* text, size_t length, uint8_t* out, size_t* written);
 
 }  // namespace fe::codecs::x86
