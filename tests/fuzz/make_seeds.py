@@ -119,6 +119,9 @@ def data_seeds(samples):
         wrapped = base64.encodebytes(data[:4096]).replace(b"\n", b"\r\n")
         write("base64_kernels_fuzz", "decode%d" % n, bytes([1]) + seed + wrapped)
         write("base64_kernels_fuzz", "plain%d" % n, bytes([1]) + seed + base64.b64encode(data[:4096]))
+        # yenc_kernels: mode (bit 0 decode), starting column, split seed, data.
+        write("yenc_kernels_fuzz", "encode%d" % n, bytes([0, n * 37 % 128]) + seed + data[:4096])
+        write("yenc_kernels_fuzz", "decode%d" % n, bytes([1, 0]) + seed + yenc(data[:4096]))
         # chunked_decoders: decoder, text length (at most 255), text, piece sizes.
         for decoder, text in enumerate((base64.b64encode(data[:180]),
                                         base64.b32encode(data[:150]),
