@@ -80,6 +80,7 @@ win64 win32: bootstrap
 
 fuzz: bootstrap
 	@$(CMAKE) -S . -B $(BUILD)/fuzz -DCMAKE_BUILD_TYPE=RelWithDebInfo -DFE_FUZZ=ON \
+	  -DFE_LIBDEFLATE_SOURCE=$$(scripts/debian-source.sh libdeflate $(ROOT)/$(BUILD)/deps/sources) \
 	  -DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++ >/dev/null
 	@cmake --build $(BUILD)/fuzz -j$(JOBS)
 

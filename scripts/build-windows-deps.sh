@@ -1,10 +1,10 @@
 #!/usr/bin/env bash
-# Builds static bzip2, liblzma and GMP for one Windows target from Debian's
-# source packages (no mingw build of any of them is packaged).
+# Builds static bzip2, liblzma, GMP and libdeflate for one Windows target
+# from Debian's source packages (no mingw build of any of them is packaged).
 #   build-windows-deps.sh <x64|x86> <prefix>
-# Installs lib/libbz2.a, lib/liblzma.a, lib/libgmp.a and their headers under
-# <prefix>; the downloaded sources are kept beside it and reused, and a
-# library already there is not built again.
+# Installs lib/libbz2.a, lib/liblzma.a, lib/libgmp.a, lib/libdeflate.a and
+# their headers under <prefix>; the downloaded sources are kept beside it and
+# reused, and a library already there is not built again.
 set -euo pipefail
 
 arch=$1
@@ -18,12 +18,8 @@ esac
 
 sources=$(dirname "$prefix")/sources
 mkdir -p "$sources" "$prefix/lib" "$prefix/include"
-# The unpacked tree of a Debian source package, fetched on first use.
 source_of() {
-  if ! ls -d "$sources/$1"-*/ >/dev/null 2>&1; then
-    (cd "$sources" && apt-get source -q "$1" >/dev/null)
-  fi
-  ls -d "$sources/$1"-*/ | head -n 1
+  "$here/debian-source.sh" "$1" "$sources"
 }
 work=$prefix/work
 
@@ -39,7 +35,18 @@ fi
 
 if [ ! -f "$prefix/lib/liblzma.a" ]; then
   xz_src=$(source_of xz-utils)
-  rm -rf "$work"
+  
+if [ ! -f "$prefix/lib/libdeflate.a" ]; then
+  libdeflate_src=$(source_of libdeflate)
+  rm -rf "$work" && mkdir -p "$work" && cp -r "$libdeflate_src" "$work/libdeflate"
+  # Its AVX2 paths are picked at run time; mingw-w64 does not align the
+  # stack for spilled 32-byte values, so every function realigns it.
+  make -s -C "$work/libdeflate" libdeflatestatic.lib CC="$triple-gcc" AR="$triple-ar" \
+    CFLAGS="-O2 -mstackrealign" >/dev/null
+  cp "$work/libdeflate/libdeflatestatic.lib" "$prefix/lib/libdeflate.a"
+  cp "$libdeflate_src/libdeflate.h" "$prefix/include/"
+fi
+rm -rf "$work"
   cmake -S "$xz_src" -B "$work/xz" -G Ninja \
     -DCMAKE_TOOLCHAIN_FILE="$here/../cmake/mingw-$arch.cmake" \
     -DCMAKE_BUILD_TYPE=Release -DBUILD_SHARED_LIBS=OFF \
@@ -65,5 +72,16 @@ if [ ! -f "$prefix/lib/libgmp.a" ]; then
     make -j"${JOBS:-2}" >make.log 2>&1 &&
     cp .libs/libgmp.a "$prefix/lib/" && cp gmp.h "$prefix/include/") ||
     { echo "GMP for $arch failed; see $work/gmp" >&2; exit 1; }
+fi
+
+if [ ! -f "$prefix/lib/libdeflate.a" ]; then
+  libdeflate_src=$(source_of libdeflate)
+  rm -rf "$work" && mkdir -p "$work" && cp -r "$libdeflate_src" "$work/libdeflate"
+  # Its AVX2 paths are picked at run time; mingw-w64 does not align the
+  # stack for spilled 32-byte values, so every function realigns it.
+  make -s -C "$work/libdeflate" libdeflatestatic.lib CC="$triple-gcc" AR="$triple-ar" \
+    CFLAGS="-O2 -mstackrealign" >/dev/null
+  cp "$work/libdeflate/libdeflatestatic.lib" "$prefix/lib/libdeflate.a"
+  cp "$libdeflate_src/libdeflate.h" "$prefix/include/"
 fi
 rm -rf "$work"

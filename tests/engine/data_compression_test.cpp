@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <random>
+
+#include "reference/inflate_reference.h"
 #include "test_support.h"
 
 namespace fe::test {
@@ -118,6 +121,89 @@ TEST(DataCompression, StreamNeedingADictionaryFails) {
   const Bytes stream = {0x78, 0xBB, 0x00, 0x00, 0x00, 0x01, 0x03, 0x00};
   uint32_t length = 0;
   EXPECT_FALSE(InflateBuffer(stream.data(), static_cast<int32_t>(stream.size()), nullptr, &length));
+}
+
+// Expands into `capacity` bytes both ways: result, length and the bytes up
+// to that length must agree.
+void ExpectExpandsAsZlib(const Bytes& stream, uint32_t capacity, const std::string& what) {
+  Bytes fast(capacity + 1, 0xA5), plain(capacity + 1, 0xA5);
+  uint32_t fastLength = capacity, plainLength = capacity;
+  const auto size = static_cast<int32_t>(stream.size());
+  const bool fastOk = InflateBuffer(stream.data(), size, fast.data(), &fastLength) != 0;
+  const bool plainOk = reference::InflateInto(stream.data(), size, plain.data(), &plainLength);
+  ASSERT_EQ(fastOk, plainOk) << what << " capacity " << capacity;
+  ASSERT_EQ(fastLength, plainLength) << what << " capacity " << capacity;
+  ASSERT_TRUE(std::equal(plain.begin(), plain.begin() + plainLength, fast.begin()))
+      << what << " capacity " << capacity;
+}
+
+TEST(DataCompression, ExpandingIntoABufferAgreesWithZlibOnDamagedStreams) {
+  std::mt19937 random(74);
+  for (const Bytes& input : {Bytes(1, 'x'), Compressible(5000), RandomBytes(3000, 75)}) {
+    const Bytes stream = Deflate(input);
+    const auto size = static_cast<uint32_t>(input.size());
+    for (uint32_t capacity : {1u, size / 2, size - 1 + (size == 1), size, size + 1, 2 * size})
+      ExpectExpandsAsZlib(stream, capacity, "whole");
+    for (size_t cut = 1; cut < stream.size(); ++cut)
+      ExpectExpandsAsZlib(Bytes(stream.begin(), stream.begin() + cut), size, "cut");
+    for (size_t at = 0; at < stream.size(); ++at) {
+      Bytes damaged = stream;
+      damaged[at] ^= static_cast<uint8_t>(1u << (random() % 8));
+      ExpectExpandsAsZlib(damaged, size + 16, "damaged");
+    }
+    Bytes followed = stream;
+    for (int i = 0; i < 40; ++i)
+      followed.push_back(static_cast<uint8_t>(random()));
+    ExpectExpandsAsZlib(followed, size, "followed");
+  }
+}
+
+TEST(DataCompression, ExpandingIntoExactlyTheRoomSucceedsAndOneByteLessFills) {
+  const Bytes input = RandomBytes(4000, 76);
+  const Bytes stream = Deflate(input);
+  Bytes out(4000);
+  uint32_t length = 4000;
+  EXPECT_TRUE(
+      InflateBuffer(stream.data(), static_cast<int32_t>(stream.size()), out.data(), &length));
+  EXPECT_EQ(length, 4000u);
+  EXPECT_EQ(out, input);
+  length = 3999;
+  EXPECT_FALSE(
+      InflateBuffer(stream.data(), static_cast<int32_t>(stream.size()), out.data(), &length));
+  // The room is filled with the first 3999 bytes before the stream fails.
+  EXPECT_EQ(length, 3999u);
+  EXPECT_TRUE(std::equal(out.begin(), out.begin() + 3999, input.begin()));
+}
+
+TEST(DataCompression, BytesAfterTheStreamAreLeftAlone) {
+  const Bytes input = Compressible(3000);
+  Bytes stream = Deflate(input);
+  stream.insert(stream.end(), {'t', 'r', 'a', 'i', 'l'});
+  Bytes out(4000);
+  uint32_t length = 4000;
+  EXPECT_TRUE(
+      InflateBuffer(stream.data(), static_cast<int32_t>(stream.size()), out.data(), &length));
+  EXPECT_EQ(length, 3000u);
+}
+
+TEST(DataCompression, WrongChecksumFailsWithTheWholeDataOut) {
+  const Bytes input = Compressible(3000);
+  Bytes stream = Deflate(input);
+  stream.back() ^= 1;
+  Bytes out(4000);
+  uint32_t length = 4000;
+  EXPECT_FALSE(
+      InflateBuffer(stream.data(), static_cast<int32_t>(stream.size()), out.data(), &length));
+  EXPECT_EQ(length, 3000u);
+}
+
+TEST(DataCompression, StreamNeedingADictionaryFailsIntoABuffer) {
+  const Bytes stream = {0x78, 0xBB, 0x00, 0x00, 0x00, 0x01, 0x03, 0x00};
+  Bytes out(64);
+  uint32_t length = 64;
+  EXPECT_FALSE(
+      InflateBuffer(stream.data(), static_cast<int32_t>(stream.size()), out.data(), &length));
+  EXPECT_EQ(length, 0u);
 }
 
 }  // namespace

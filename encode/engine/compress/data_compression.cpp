@@ -1,6 +1,7 @@
 // In-memory compression: one zlib stream (RFC 1950 wrapper) at level 9.
 // Neither operation records an error code: a failure leaves the last error
 // as it stood, and the caller reports that.
+#include <libdeflate.h>
 #include <zlib.h>
 
 #include "file_encoder.h"
@@ -63,6 +64,23 @@ bool RunStream(Direction direction, const uint8_t* input, int32_t inputLength, u
   return result == Z_STREAM_END;
 }
 
+// Expands a whole stream into a buffer of known capacity with libdeflate,
+// several times faster than zlib; true only when it succeeded. Whatever it
+// does not finish (bad data, too little room) is run through zlib after
+// all, so that every failure keeps zlib's result and length.
+bool ExpandWhole(const uint8_t* input, int32_t inputLength, uint8_t* output, uint32_t* length) {
+  libdeflate_decompressor* const decompressor = libdeflate_alloc_decompressor();
+  if (decompressor == nullptr) return false;
+  size_t consumed = 0, produced = 0;
+  // Bytes after the stream's end are left alone, as zlib leaves them.
+  const libdeflate_result result = libdeflate_zlib_decompress_ex(
+      decompressor, input, static_cast<size_t>(inputLength), output, *length, &consumed, &produced);
+  libdeflate_free_decompressor(decompressor);
+  if (result != LIBDEFLATE_SUCCESS) return false;
+  *length = static_cast<uint32_t>(produced);
+  return true;
+}
+
 }  // namespace
 
 extern "C" {
@@ -72,6 +90,10 @@ int DeflateBuffer(const uint8_t* input, int32_t inputLength, uint8_t* output, ui
 }
 
 int InflateBuffer(const uint8_t* input, int32_t inputLength, uint8_t* output, uint32_t* length) {
+  if (input != nullptr && inputLength > 0 && output != nullptr && length != nullptr &&
+      *length > 0 && ExpandWhole(input, inputLength, output, length)) {
+    return 1;
+  }
   return RunStream(Direction::kExpand, input, inputLength, output, length);
 }
 
