@@ -109,6 +109,13 @@ def data_seeds(samples):
               bytes([1, 1]) + size + base64.b64encode(packed))
         write("expand_data_fuzz", "raw%d" % n, zlib.compress(data)[2:-4] if data else b"\x03\x00")
         write("expand_data_fuzz", "zlib%d" % n, zlib.compress(data))
+        # inflate_differential: room mode (bit 0 near the stream's size), size, stream.
+        for level in (0, 1, 9):
+            packed = zlib.compress(data, level)
+            write("inflate_differential_fuzz", "l%d_%d" % (level, n),
+                  bytes([1, n, 0]) + packed)
+            write("inflate_differential_fuzz", "cut%d_%d" % (level, n),
+                  bytes([0]) + struct.pack("<H", len(data)) + packed[:len(packed) * 2 // 3])
         for choice in range(0, 256, 37):
             write("encode_bounds_fuzz", "c%d_%d" % (choice, n),
                   bytes([choice]) + size + data[:1024])
