@@ -72,12 +72,13 @@ inline void Compare(const char* what, double megabytes, const std::function<bool
 }
 
 // Seconds a Python statement took on the bytes of `path` (bound to `data`),
-// timed inside Python so that its start-up is left out; -1 on failure.
+// timed inside Python so that its start-up and the `setup` statements are
+// left out; -1 on failure.
 inline double PythonSeconds(const std::string& module, const std::string& statement,
-                            const std::string& path) {
+                            const std::string& path, const std::string& setup = "None") {
   const std::string command = "/usr/bin/python3 -c \"import time, " + module + "; data = open('" +
-                              path + "', 'rb').read(); t = time.perf_counter(); " + statement +
-                              "; print(time.perf_counter() - t)\"";
+                              path + "', 'rb').read(); " + setup + "; t = time.perf_counter(); " +
+                              statement + "; print(time.perf_counter() - t)\"";
   FILE* pipe = popen(command.c_str(), "r");
   if (pipe == nullptr) return -1;
   double seconds = -1;
