@@ -8,15 +8,10 @@ namespace fe::codecs {
 
 namespace {
 
-// NUL, TAB, LF, CR, '.' and '=' are escaped wherever they stand.
-constexpr bool IsCritical(uint8_t c) {
-  return c == 0 || (c <= 61 && ((0x2000400000002600ull >> c) & 1));
-}
-
 constexpr auto kCritical = [] {
   std::array<bool, 256> table{};
   for (int c = 0; c < 256; ++c)
-    table[c] = IsCritical(static_cast<uint8_t>(c));
+    table[c] = IsYencCritical(static_cast<uint8_t>(c));
   return table;
 }();
 

@@ -10,6 +10,11 @@ namespace fe::codecs {
 
 constexpr size_t kYencLineLength = 128;
 
+// NUL, TAB, LF, CR, '.' and '=' are escaped wherever they stand.
+constexpr bool IsYencCritical(uint8_t c) {
+  return c == 0 || (c <= 61 && ((0x2000400000002600ull >> c) & 1));
+}
+
 // The characters EncodeYencBody may write for `length` bytes: every byte
 // escaped, a CR LF after each 64 of them, and the 64 bytes the vector
 // stores run past the end.

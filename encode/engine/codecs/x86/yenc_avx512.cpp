@@ -10,6 +10,7 @@
 #include <array>
 
 #include "codecs/x86/kernels.h"
+#include "codecs/yenc_body.h"
 
 namespace fe::codecs::x86 {
 
@@ -17,17 +18,16 @@ namespace {
 
 using Table64 = std::array<uint8_t, 64>;
 
-constexpr size_t kLineLength = 128;
 constexpr uint64_t kEvenPlaces = 0x5555555555555555ull;
 constexpr uint64_t kOddPlaces = 0xAAAAAAAAAAAAAAAAull;
 constexpr __mmask64 kAllLanes = ~__mmask64{0};
 
 // Lanes 0-63 of a 64-entry table: which raised values below 64 are
-// critical (NUL, TAB, LF, CR, '.' and '=').
+// critical; none above is.
 constexpr Table64 kCriticalBelow64 = [] {
   Table64 table{};
-  for (int c : {0, 9, 10, 13, 46, 61})
-    table[c] = 0xFF;
+  for (int c = 0; c < 64; ++c)
+    table[c] = IsYencCritical(static_cast<uint8_t>(c)) ? 0xFF : 0;
   return table;
 }();
 
@@ -77,7 +77,7 @@ size_t PutHalf(__m512i pairs, uint32_t escapes, char* out, size_t* used) {
   const uint64_t present = SpreadToEvenPlaces(escapes) | kOddPlaces;
   const __m512i characters = _mm512_maskz_compress_epi8(present, pairs);
   const auto count = static_cast<size_t>(32 + __builtin_popcount(escapes));
-  if (*used + count < kLineLength) {
+  if (*used + count < kYencLineLength) {
     _mm512_storeu_si512(out, characters);
     *used += count;
     return count;
@@ -85,7 +85,7 @@ size_t PutHalf(__m512i pairs, uint32_t escapes, char* out, size_t* used) {
   // The line ends after the first character that completes a byte at or
   // beyond its 128th place; the rest starts the next line.
   const uint64_t ends = CharacterEnds(present);
-  const size_t need = kLineLength - *used - 1;
+  const size_t need = kYencLineLength - *used - 1;
   const size_t last = need + static_cast<size_t>(__builtin_ctzll(ends >> need));
   _mm512_storeu_si512(out + 2, characters);
   _mm512_mask_storeu_epi8(out, FirstBytes(last + 1), characters);
