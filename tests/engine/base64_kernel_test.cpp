@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "codecs/base64_kernels.h"
+#include "codecs/codec_internal.h"
 #include "cpu/cpu_level.h"
 #include "reference/base64_reference.h"
 #include "test_support.h"
@@ -147,7 +148,7 @@ TEST(Base64Kernels, EveryByteAtEveryPositionDecodesAsThePlainMachine) {
 // full buffer and the terminator placed around the piece boundaries must
 // give what one pass over the whole text gives.
 TEST(Base64Kernels, DecodeBufferAgreesWithOnePassAroundItsPieces) {
-  constexpr size_t kPiece = 64 * 1024;
+  constexpr size_t kPiece = codecs::kBase64TextPiece;
   std::mt19937 random(65536);
   const std::string clean = Encode(RandomBytes(3 * kPiece, 77), dataEncodeBase64);
   static const std::string noise("=\r\n!\x80", 5);

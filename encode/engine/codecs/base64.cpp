@@ -188,15 +188,12 @@ Outcome DecodePiece(const uint8_t* in, const uint8_t* end, uint8_t* output, int3
 namespace fe::codecs {
 
 int32_t Base64DecodeText(const char* text, uint8_t* output, int32_t capacity) {
-  // The text is measured a piece at a time, just ahead of the decoder, so
-  // that the decoder reads it from the cache; up to INT32_MAX characters
-  // count.
-  constexpr size_t kPiece = 64 * 1024;
   Base64State state{};
   int32_t written = 0;
   const auto* in = reinterpret_cast<const uint8_t*>(text);
   for (size_t left = INT32_MAX;;) {
-    const size_t length = strnlen(reinterpret_cast<const char*>(in), std::min(kPiece, left));
+    const size_t length =
+        strnlen(reinterpret_cast<const char*>(in), std::min(kBase64TextPiece, left));
     switch (DecodePiece(in, in + length, output, capacity, written, &state)) {
       case Outcome::kFailed:
         return -1;
@@ -205,7 +202,7 @@ int32_t Base64DecodeText(const char* text, uint8_t* output, int32_t capacity) {
       case Outcome::kConsumed:
         break;
     }
-    if (length < kPiece || length == left) return written;
+    if (length < kBase64TextPiece || length == left) return written;
     in += length;
     left -= length;
   }
