@@ -11,6 +11,7 @@
 #include <array>
 
 #include "codecs/base64_alphabet.h"
+#include "codecs/x86/avx512_lanes.h"
 #include "codecs/x86/kernels.h"
 
 namespace fe::codecs::x86 {
@@ -69,22 +70,6 @@ constexpr std::array<uint8_t, 128> kSextets = [] {
 
 __m512i Load64(const uint8_t* bytes) {
   return _mm512_loadu_si512(bytes);
-}
-
-// All-lanes forms of the masked instructions: GCC's plain ones start from
-// an undefined register and warn about it.
-constexpr __mmask64 kAllLanes = ~__mmask64{0};
-
-__m512i Permute(__m512i indices, __m512i table) {
-  return _mm512_maskz_permutexvar_epi8(kAllLanes, indices, table);
-}
-
-__m512i MultiShift(__m512i shifts, __m512i lanes) {
-  return _mm512_maskz_multishift_epi64_epi8(kAllLanes, shifts, lanes);
-}
-
-__mmask64 FirstBytes(size_t count) {
-  return count >= 64 ? kAllLanes : (__mmask64{1} << count) - 1;
 }
 
 // Where the step that ends at `end` starts: a whole step where one fits,

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <array>
 
+#include "codecs/x86/avx512_lanes.h"
 #include "codecs/x86/kernels.h"
 #include "codecs/yenc_body.h"
 
@@ -20,7 +21,6 @@ using Table64 = std::array<uint8_t, 64>;
 
 constexpr uint64_t kEvenPlaces = 0x5555555555555555ull;
 constexpr uint64_t kOddPlaces = 0xAAAAAAAAAAAAAAAAull;
-constexpr __mmask64 kAllLanes = ~__mmask64{0};
 
 // Lanes 0-63 of a 64-entry table: which raised values below 64 are
 // critical; none above is.
@@ -42,10 +42,6 @@ constexpr Table64 kPairs = [] {
 
 __m512i Load64(const void* bytes) {
   return _mm512_loadu_si512(bytes);
-}
-
-__mmask64 FirstBytes(size_t count) {
-  return count >= 64 ? kAllLanes : (__mmask64{1} << count) - 1;
 }
 
 // The escape flags of 32 bytes moved to the even places of their pairs.
@@ -106,7 +102,7 @@ size_t YencEncodeBlocksAvx512(const uint8_t* in, size_t length, char* out, size_
   size_t used = *lineUsed, made = 0, at = 0;
   for (; at + 64 <= length; at += 64) {
     const __m512i raised = _mm512_add_epi8(Load64(in + at), _mm512_set1_epi8(42));
-    const __m512i looked = _mm512_maskz_permutexvar_epi8(kAllLanes, raised, critical);
+    const __m512i looked = Permute(raised, critical);
     const __mmask64 escapes = _mm512_cmplt_epu8_mask(raised, _mm512_set1_epi8(64)) &
                               _mm512_test_epi8_mask(looked, looked);
     const __m512i characters = _mm512_mask_add_epi8(raised, escapes, raised, _mm512_set1_epi8(64));
