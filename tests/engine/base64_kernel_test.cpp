@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "chunk_pieces.h"
 #include "codecs/base64_kernels.h"
 #include "codecs/codec_internal.h"
 #include "cpu/cpu_level.h"
@@ -19,18 +20,9 @@ namespace {
 
 constexpr int32_t kLongest = 4096;
 
-// A chunk length: mostly short pieces at first, then long ones, so that
-// group, line and kernel-step boundaries all land inside and between chunks.
-int32_t PieceLength(std::mt19937& random, int32_t left) {
-  const int32_t most = random() % 3 == 0 ? 24 : 3000;
-  return std::min(left, 1 + static_cast<int32_t>(random() % static_cast<uint32_t>(most)));
-}
-
-void ExpectSameEncoderState(const Base64State& fast, const Base64State& plain) {
-  ASSERT_EQ(fast.phase, plain.phase);
-  ASSERT_EQ(fast.column, plain.column);
-  for (int i = 0; i < 3; ++i)
-    ASSERT_EQ(fast.saved[i], plain.saved[i]);
+bool SameEncoderState(const Base64State& a, const Base64State& b) {
+  return a.phase == b.phase && a.column == b.column && a.saved[0] == b.saved[0] &&
+         a.saved[1] == b.saved[1] && a.saved[2] == b.saved[2];
 }
 
 TEST(Base64Kernels, EncoderAgreesWithThePlainMachineAtEveryLength) {
@@ -39,24 +31,22 @@ TEST(Base64Kernels, EncoderAgreesWithThePlainMachineAtEveryLength) {
     const Bytes input = RandomBytes(static_cast<size_t>(length), static_cast<uint32_t>(length));
     const bool wrap = length % 2 == 1;
     Base64State fast{}, plain{};
-    int32_t offset = 0;
-    do {
-      const int32_t piece = PieceLength(random, length - offset);
-      // From the smallest capacity the coder accepts upwards, so that it
-      // stops for room before a group, before a line break and inside one.
-      const int32_t least = piece + piece / 3;
-      const int32_t capacity =
-          least + static_cast<int32_t>(random() % (random() % 4 == 0 ? 400u : 6u));
-      std::vector<char> a(static_cast<size_t>(capacity) + 8, '#'), b = a;
-      const int32_t na =
-          Base64EncodeChunk(input.data() + offset, piece, a.data(), capacity, &fast, wrap);
-      const int32_t nb = reference::Base64EncodeChunk(input.data() + offset, piece, b.data(),
-                                                      capacity, &plain, wrap);
-      ASSERT_EQ(na, nb) << "length " << length << " offset " << offset;
-      ASSERT_EQ(a, b) << "length " << length << " offset " << offset;
-      ExpectSameEncoderState(fast, plain);
-      offset += piece;
-    } while (offset < length);
+    ExpectSameInPieces<char>(
+        length, random, &fast, &plain,
+        // From the smallest capacity the coder accepts upwards, so that it
+        // stops for room before a group, before a line break and inside one.
+        [&](int32_t piece) {
+          return piece + piece / 3 +
+                 static_cast<int32_t>(random() % (random() % 4 == 0 ? 400u : 6u));
+        },
+        [&](int32_t at, int32_t piece, char* out, int32_t capacity, Base64State* state) {
+          return Base64EncodeChunk(input.data() + at, piece, out, capacity, state, wrap);
+        },
+        [&](int32_t at, int32_t piece, char* out, int32_t capacity, Base64State* state) {
+          return reference::Base64EncodeChunk(input.data() + at, piece, out, capacity, state, wrap);
+        },
+        SameEncoderState);
+    ASSERT_FALSE(HasFatalFailure());
     char tailA[8], tailB[8];
     ASSERT_EQ(Base64EncodeFinish(&fast, tailA, wrap), Base64EncodeFinish(&plain, tailB, wrap));
   }
@@ -79,21 +69,16 @@ std::string DamagedText(std::mt19937& random, int32_t length) {
 // every count, byte and phase must agree.
 void ExpectChunkedDecodingAgrees(std::mt19937& random, const std::string& text) {
   Base64State fast{}, plain{};
-  const auto total = static_cast<int32_t>(text.size());
-  int32_t offset = 0;
-  do {
-    const int32_t piece = PieceLength(random, total - offset);
-    const auto capacity = static_cast<int32_t>(random() % static_cast<uint32_t>(piece + 4));
-    Bytes a(static_cast<size_t>(capacity) + 8, 0xA5), b = a;
-    const int32_t na = Base64DecodeChunk(text.data() + offset, piece, a.data(), capacity, &fast);
-    const int32_t nb =
-        reference::Base64DecodeChunk(text.data() + offset, piece, b.data(), capacity, &plain);
-    ASSERT_EQ(na, nb) << "text length " << total << " offset " << offset;
-    ASSERT_EQ(a, b) << "text length " << total << " offset " << offset;
-    if (na < 0) break;
-    ASSERT_EQ(fast.phase, plain.phase);
-    offset += piece;
-  } while (offset < total);
+  ExpectSameInPieces<uint8_t>(
+      static_cast<int32_t>(text.size()), random, &fast, &plain,
+      [&](int32_t piece) { return static_cast<int32_t>(random() % (piece + 4u)); },
+      [&](int32_t at, int32_t piece, uint8_t* out, int32_t capacity, Base64State* state) {
+        return Base64DecodeChunk(text.data() + at, piece, out, capacity, state);
+      },
+      [&](int32_t at, int32_t piece, uint8_t* out, int32_t capacity, Base64State* state) {
+        return reference::Base64DecodeChunk(text.data() + at, piece, out, capacity, state);
+      },
+      [](const Base64State& a, const Base64State& b) { return a.phase == b.phase; });
 }
 
 TEST(Base64Kernels, DecoderAgreesWithThePlainMachineAtEveryLength) {
@@ -129,19 +114,8 @@ TEST(Base64Kernels, DecoderAgreesWithCharactersInsertedAnywhere) {
 TEST(Base64Kernels, EveryByteAtEveryPositionDecodesAsThePlainMachine) {
   const std::string clean = Encode(RandomBytes(72, 5), dataEncodeBase64);
   ASSERT_EQ(clean.size(), 96u);
-  for (size_t position = 0; position < clean.size(); ++position) {
-    for (int c = 0; c < 256; ++c) {
-      std::string text = clean;
-      text[position] = static_cast<char>(c);
-      Base64State fast{}, plain{};
-      Bytes a(80, 0xA5), b = a;
-      const auto length = static_cast<int32_t>(text.size());
-      ASSERT_EQ(Base64DecodeChunk(text.data(), length, a.data(), 72, &fast),
-                reference::Base64DecodeChunk(text.data(), length, b.data(), 72, &plain))
-          << "byte " << c << " at " << position;
-      ASSERT_EQ(a, b) << "byte " << c << " at " << position;
-    }
-  }
+  ExpectEveryByteAtEveryPositionAgrees<Base64State>(clean, 72, Base64DecodeChunk,
+                                                    reference::Base64DecodeChunk);
 }
 
 // DecodeBuffer measures its text a piece at a time: damage, padding, a

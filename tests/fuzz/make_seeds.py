@@ -126,6 +126,12 @@ def data_seeds(samples):
         wrapped = base64.encodebytes(data[:4096]).replace(b"\n", b"\r\n")
         write("base64_kernels_fuzz", "decode%d" % n, bytes([1]) + seed + wrapped)
         write("base64_kernels_fuzz", "plain%d" % n, bytes([1]) + seed + base64.b64encode(data[:4096]))
+        # base32_kernels: mode (bit 0 decode, bit 1 wrap), split seed, data.
+        write("base32_kernels_fuzz", "encode%d" % n, bytes([2 * (n % 2)]) + seed + data[:4096])
+        b32 = base64.b32encode(data[:4096])
+        lines = b"\r\n".join(b32[i:i + 72] for i in range(0, len(b32), 72))
+        write("base32_kernels_fuzz", "decode%d" % n, bytes([1]) + seed + lines)
+        write("base32_kernels_fuzz", "lower%d" % n, bytes([1]) + seed + b32.lower())
         # yenc_kernels: mode (bit 0 decode), starting column, split seed, data.
         write("yenc_kernels_fuzz", "encode%d" % n, bytes([0, n * 37 % 128]) + seed + data[:4096])
         write("yenc_kernels_fuzz", "decode%d" % n, bytes([1, 0]) + seed + yenc(data[:4096]))

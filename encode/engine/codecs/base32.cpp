@@ -1,25 +1,20 @@
-// Base32 as a streaming bit accumulator with optional 72-column lines.
-#include <array>
+// Base32 as a streaming bit accumulator with optional 72-column lines;
+// whole groups go through the vector kernel or a table loop.
+#include <algorithm>
 #include <cstring>
 
+#include "codecs/base32_alphabet.h"
+#include "codecs/base32_kernels.h"
 #include "codecs/codec_internal.h"
 #include "file_encoder.h"
 
 namespace {
 
 using fe::codecs::IsAsciiSpace;
+using fe::codecs::kBase32Alphabet;
+using fe::codecs::kBase32NotInAlphabet;
+using fe::codecs::kBase32ValueOf;
 using fe::codecs::kLineLength;
-
-constexpr char kAlphabet[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZ234567";
-constexpr uint8_t kNotInAlphabet = 0xFF;
-
-// Decoding accepts the letters in either case.
-constexpr auto kValueOf = [] {
-  auto table = fe::codecs::InverseAlphabet(kAlphabet, kNotInAlphabet);
-  for (int c = 'a'; c <= 'z'; ++c)
-    table[c] = table[c - 'a' + 'A'];
-  return table;
-}();
 
 // Writes characters and the line breaks that wrapping calls for.
 class LineWriter {
@@ -38,14 +33,35 @@ class LineWriter {
     return true;
   }
 
-  // Eight characters of a whole 5-byte group at once.
-  void PutGroup(const uint8_t* in) {
-    const uint64_t v = (uint64_t{in[0]} << 32) | (uint64_t{in[1]} << 24) | (uint64_t{in[2]} << 16) |
-                       (uint64_t{in[3]} << 8) | in[4];
-    for (int k = 0; k < 8; ++k)
-      output_[count_ + k] = kAlphabet[(v >> (35 - 5 * k)) & 31];
-    count_ += 8;
-    if (wrap_ && (state_->column += 8) == kLineLength) BreakLine();
+  // How many whole 5-byte groups of `available` may be written as groups:
+  // each needs room for its eight characters and a line break, and none
+  // may cross the end of a line (72 is a multiple of 8).
+  size_t GroupsThatFit(size_t available) const {
+    const int64_t room = int64_t{capacity_} - count_ - 2;
+    if (room < 8) return 0;
+    size_t groups = std::min(available, static_cast<size_t>(room / 8));
+    if (wrap_) {
+      if (state_->column + 8 > kLineLength) return 0;
+      groups = std::min<size_t>(groups, (kLineLength - state_->column) / 8);
+    }
+    return groups;
+  }
+
+  // The characters of `groups` whole 5-byte groups, and the line break
+  // when the last one ends a line.
+  void PutGroups(const uint8_t* in, size_t groups) {
+    size_t done = 0;
+    if (const auto* kernels = fe::codecs::ChosenBase32Kernels())
+      done = kernels->encodeGroups(in, groups, output_ + count_);
+    for (; done < groups; ++done) {
+      const uint8_t* group = in + 5 * done;
+      const uint64_t v = (uint64_t{group[0]} << 32) | (uint64_t{group[1]} << 24) |
+                         (uint64_t{group[2]} << 16) | (uint64_t{group[3]} << 8) | group[4];
+      for (int k = 0; k < 8; ++k)
+        output_[count_ + 8 * done + k] = kBase32Alphabet[(v >> (35 - 5 * k)) & 31];
+    }
+    count_ += static_cast<int32_t>(8 * groups);
+    if (wrap_ && (state_->column += static_cast<uint32_t>(8 * groups)) == kLineLength) BreakLine();
   }
 
   bool BreakLine() {
@@ -72,6 +88,29 @@ uint32_t TakeFiveBits(Base32State* state) {
   return value;
 }
 
+// Decodes whole groups of eight alphabet characters while five bytes fit,
+// the kernel taking what it can; stops before the first group holding any
+// other character.
+size_t DecodeGroups(const uint8_t* text, size_t length, size_t maxGroups, uint8_t* out) {
+  size_t done = 0;
+  if (const auto* kernels = fe::codecs::ChosenBase32Kernels())
+    done = kernels->decodeGroups(text, length, maxGroups, out);
+  for (; done < maxGroups && length - 8 * done >= 8; ++done) {
+    const uint8_t* group = text + 8 * done;
+    uint64_t v = 0;
+    uint8_t seen = 0;  // the marker for characters outside has the upper bits
+    for (int k = 0; k < 8; ++k) {
+      const uint8_t value = kBase32ValueOf[group[k]];
+      seen |= value;
+      v = (v << 5) | (value & 31);
+    }
+    if ((seen & ~31) != 0) break;
+    for (int k = 0; k < 5; ++k)
+      out[5 * done + k] = static_cast<uint8_t>(v >> (32 - 8 * k));
+  }
+  return done;
+}
+
 }  // namespace
 
 extern "C" {
@@ -86,18 +125,20 @@ int32_t Base32EncodeChunk(const uint8_t* input, int32_t length, char* output, in
   }
   int32_t i = 0;
   while (i < length && !out.Full()) {
-    // Whole groups while nothing is held and a group with its line break
-    // fits; a group never straddles a line as 72 is a multiple of 8.
-    if (state->bits == 0 && length - i >= 5 && out.Fits(10) &&
-        (!wrap || state->column + 8 <= kLineLength)) {
-      out.PutGroup(input + i);
-      i += 5;
-      continue;
+    // Whole groups while nothing is held; they give the characters the
+    // bit accumulator would.
+    if (state->bits == 0) {
+      const size_t groups = out.GroupsThatFit(static_cast<size_t>(length - i) / 5);
+      if (groups > 0) {
+        out.PutGroups(input + i, groups);
+        i += static_cast<int32_t>(5 * groups);
+        continue;
+      }
     }
     state->accumulator = (state->accumulator << 8) | input[i++];
     state->bits += 8;
     while (state->bits >= 5 && !out.Full()) {
-      if (!out.Put(kAlphabet[TakeFiveBits(state)])) return out.count();
+      if (!out.Put(kBase32Alphabet[TakeFiveBits(state)])) return out.count();
     }
   }
   return out.count();
@@ -111,11 +152,11 @@ int32_t Base32EncodeFinish(Base32State* state, char* output, int32_t capacity, i
     // Normally fewer than 5 bits are left; a chunk cut short by its capacity
     // may leave more, which come out as whole characters first.
     while (state->bits >= 5 && !out.Full()) {
-      out.Put(kAlphabet[TakeFiveBits(state)]);
+      out.Put(kBase32Alphabet[TakeFiveBits(state)]);
       ++characters;
     }
     if (state->bits > 0 && !out.Full()) {
-      out.Put(kAlphabet[(state->accumulator << (5 - state->bits)) & 31]);
+      out.Put(kBase32Alphabet[(state->accumulator << (5 - state->bits)) & 31]);
       state->bits = 0;
       state->accumulator = 0;
       ++characters;
@@ -138,9 +179,20 @@ int32_t Base32DecodeChunk(const char* text, int32_t length, uint8_t* output, int
   int32_t count = 0;
   for (int32_t i = 0; i < length; ++i) {
     const auto c = static_cast<uint8_t>(text[i]);
+    if (state->bits == 0 && kBase32ValueOf[c] != kBase32NotInAlphabet) {
+      const size_t groups = DecodeGroups(
+          reinterpret_cast<const uint8_t*>(text) + i, static_cast<size_t>(length - i),
+          capacity > count ? static_cast<size_t>(capacity - count) / 5 : 0, output + count);
+      if (groups > 0) {
+        i += static_cast<int32_t>(8 * groups) - 1;
+        count += static_cast<int32_t>(5 * groups);
+        state->accumulator = 0;
+        continue;
+      }
+    }
     if (c == '=') break;
-    const uint8_t value = kValueOf[c];
-    if (value == kNotInAlphabet) {
+    const uint8_t value = kBase32ValueOf[c];
+    if (value == kBase32NotInAlphabet) {
       if (IsAsciiSpace(c) || state->bits == 0) continue;
       return -1;
     }

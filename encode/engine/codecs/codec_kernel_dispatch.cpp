@@ -1,4 +1,5 @@
 // The only place that knows which vector kernels the codecs have.
+#include "codecs/base32_kernels.h"
 #include "codecs/base64_kernels.h"
 #include "codecs/yenc_kernels.h"
 #include "cpu/cpu_level.h"
@@ -23,6 +24,16 @@ const Base64Kernels* PickBase64Kernels() {
   return nullptr;
 }
 
+// Base32's kernels need VBMI's byte permutes and multishift.
+const Base32Kernels* PickBase32Kernels() {
+#ifdef FE_CODECS_X86
+  static constexpr Base32Kernels kAvx512{x86::Base32EncodeGroupsAvx512,
+                                         x86::Base32DecodeGroupsAvx512};
+  if (cpu::ChosenLevel() >= cpu::Level::kAvx512) return &kAvx512;
+#endif
+  return nullptr;
+}
+
 // yEnc's kernels squeeze with VBMI2; below AVX-512 the byte loops run.
 const YencKernels* PickYencKernels() {
 #ifdef FE_CODECS_X86
@@ -36,6 +47,11 @@ const YencKernels* PickYencKernels() {
 
 const Base64Kernels* ChosenBase64Kernels() {
   static const Base64Kernels* const chosen = PickBase64Kernels();
+  return chosen;
+}
+
+const Base32Kernels* ChosenBase32Kernels() {
+  static const Base32Kernels* const chosen = PickBase32Kernels();
   return chosen;
 }
 

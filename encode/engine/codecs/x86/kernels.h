@@ -1,11 +1,12 @@
 // Vector kernels of the codecs. Only the dispatch unit names them, after
-// cpuid; their contracts are those of codecs/base64_kernels.h and
-// codecs/yenc_kernels.h.
+// cpuid; their contracts are those of codecs/base32_kernels.h,
+// codecs/base64_kernels.h and codecs/yenc_kernels.h.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 
+#include "codecs/base32_kernels.h"
 #include "codecs/base64_kernels.h"
 #include "codecs/yenc_kernels.h"
 
@@ -18,6 +19,9 @@ size_t Base64DecodeGroupsAvx2(const uint8_t* text, size_t length, size_t maxGrou
 size_t Base64EncodeGroupsAvx512(const uint8_t* in, size_t groups, size_t readable, char* out);
 size_t Base64DecodeGroupsAvx512(const uint8_t* text, size_t length, size_t maxGroups,
                                 const Base64Skips* skips, uint8_t* out, size_t* groups);
+
+size_t Base32EncodeGroupsAvx512(const uint8_t* in, size_t groups, char* out);
+size_t Base32DecodeGroupsAvx512(const uint8_t* text, size_t length, size_t maxGroups, uint8_t* out);
 
 size_t YencEncodeBlocksAvx512(const uint8_t* in, size_t length, char* out, size_t* lineUsed,
                               size_t* written);
