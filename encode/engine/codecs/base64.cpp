@@ -66,6 +66,18 @@ void WriteGroups(const uint8_t* in, size_t groups, size_t readable, char* out) {
     WriteGroup(in + 3 * done, out + 4 * done);
 }
 
+// Wrapped text at a line's end: whole lines, each a CR LF and 18 groups,
+// by the kernel where it has a line loop, while another byte follows the
+// last line and each fits. Returns how many lines it wrote.
+size_t WriteLines(const uint8_t* in, size_t readable, size_t room, char* out) {
+  constexpr size_t kLineBytes = 3 * kLineLength / 4, kLineRoom = kLineLength + 2;
+  const auto* kernels = fe::codecs::ChosenBase64Kernels();
+  if (kernels == nullptr || kernels->encodeLines == nullptr || readable == 0) return 0;
+  const size_t lines = std::min((readable - 1) / kLineBytes, room / kLineRoom);
+  if (lines > 0) kernels->encodeLines(in, lines, readable, out);
+  return lines;
+}
+
 // How many groups fit before the line break, or SIZE_MAX when none will
 // come: without wrapping, and from a column the breaks can no longer meet
 // (a state not written by this coder).
@@ -236,6 +248,17 @@ int32_t Base64EncodeChunk(const uint8_t* input, int32_t length, char* output, in
         const bool lineBreak = wrap && column == kLineLength;
         if (capacity - written < (lineBreak ? 6 : 4)) break;
         if (lineBreak) {
+          const size_t lines =
+              WriteLines(in, static_cast<size_t>(end - in), static_cast<size_t>(capacity - written),
+                         output + written);
+          if (lines > 0) {  // each ends a line again
+            in += 3 * kLineLength / 4 * lines;
+            written += static_cast<int32_t>((kLineLength + 2) * lines);
+            saved[0] = in[-3];
+            saved[1] = in[-2];
+            saved[2] = in[-1];
+            continue;
+          }
           output[written++] = '\r';
           output[written++] = '\n';
           column = 0;

@@ -23,6 +23,10 @@ struct Base64Kernels {
   // `in`, reading no byte at or past in + readable (readable >= 3 * groups).
   // Returns how many leading groups it wrote; the caller writes the rest.
   size_t (*encodeGroups)(const uint8_t* in, size_t groups, size_t readable, char* out);
+  // Wrapped text from a line's end on: writes `lines` times a CR LF and a
+  // whole line (18 groups, 54 bytes) of `in`, reading no byte at or past
+  // in + readable. Null where the kernel has none; the groups path serves.
+  void (*encodeLines)(const uint8_t* in, size_t lines, size_t readable, char* out);
   // Decodes whole groups of alphabet characters from the `length`
   // characters of `text` into `out`, at most `maxGroups` of them, and may
   // pass over the characters `skips` names where the decoder would. Stops

@@ -15,9 +15,10 @@ namespace {
 
 const Base64Kernels* PickBase64Kernels() {
 #ifdef FE_CODECS_X86
-  static constexpr Base64Kernels kAvx512{x86::Base64EncodeGroupsAvx512,
-                                         x86::Base64DecodeGroupsAvx512};
-  static constexpr Base64Kernels kAvx2{x86::Base64EncodeGroupsAvx2, x86::Base64DecodeGroupsAvx2};
+  static constexpr Base64Kernels kAvx512{
+      x86::Base64EncodeGroupsAvx512, x86::Base64EncodeLinesAvx512, x86::Base64DecodeGroupsAvx512};
+  static constexpr Base64Kernels kAvx2{x86::Base64EncodeGroupsAvx2, nullptr,
+                                       x86::Base64DecodeGroupsAvx2};
   if (cpu::ChosenLevel() >= cpu::Level::kAvx512) return &kAvx512;
   if (cpu::ChosenLevel() >= cpu::Level::kAvx2) return &kAvx2;
 #endif

@@ -80,15 +80,26 @@ size_t StepStart(size_t done, size_t end) {
   return end >= kStepGroups ? end - kStepGroups : done;
 }
 
+// The 64 characters of the 48 bytes in the low lanes.
+struct Encoder {
+  __m512i spread = Load64(kSpread.data());
+  __m512i shifts = _mm512_set1_epi64(static_cast<long long>(kSextetShifts));
+  __m512i alphabet = Load64(reinterpret_cast<const uint8_t*>(kBase64Alphabet));
+
+  __m512i operator()(__m512i bytes) const {
+    return Permute(MultiShift(shifts, Permute(spread, bytes)), alphabet);
+  }
+};
+
+// The 48 bytes at `from`, by a plain load where 64 are readable.
+__m512i LoadStep(const uint8_t* from, const uint8_t* readableEnd) {
+  return readableEnd - from >= 64 ? Load64(from) : _mm512_maskz_loadu_epi8(FirstBytes(48), from);
+}
+
 }  // namespace
 
 size_t Base64EncodeGroupsAvx512(const uint8_t* in, size_t groups, size_t readable, char* out) {
-  const __m512i spread = Load64(kSpread.data());
-  const __m512i shifts = _mm512_set1_epi64(static_cast<long long>(kSextetShifts));
-  const __m512i alphabet = Load64(reinterpret_cast<const uint8_t*>(kBase64Alphabet));
-  const auto encode = [&](__m512i bytes) {
-    return Permute(MultiShift(shifts, Permute(spread, bytes)), alphabet);
-  };
+  const Encoder encode;
   for (size_t done = 0; done < groups;) {
     const size_t end = std::min(groups, done + kStepGroups);
     const size_t at = StepStart(done, end);
@@ -102,6 +113,22 @@ size_t Base64EncodeGroupsAvx512(const uint8_t* in, size_t groups, size_t readabl
     done = end;
   }
   return groups;
+}
+
+void Base64EncodeLinesAvx512(const uint8_t* in, size_t lines, size_t readable, char* out) {
+  // A line is a whole step and the step that ends with its last group
+  // (groups 2-17), stored over the first one's last eight characters.
+  constexpr size_t kLineBytes = 54, kLineRoom = 74;
+  const Encoder encode;
+  const uint8_t* const readableEnd = in + readable;
+  for (size_t line = 0; line < lines; ++line) {
+    const uint8_t* from = in + kLineBytes * line;
+    char* to = out + kLineRoom * line;
+    to[0] = '\r';
+    to[1] = '\n';
+    _mm512_storeu_si512(to + 2, encode(LoadStep(from, readableEnd)));
+    _mm512_storeu_si512(to + 10, encode(LoadStep(from + 6, readableEnd)));
+  }
 }
 
 namespace {

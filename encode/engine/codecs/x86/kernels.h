@@ -17,6 +17,7 @@ size_t Base64DecodeGroupsAvx2(const uint8_t* text, size_t length, size_t maxGrou
                               const Base64Skips* skips, uint8_t* out, size_t* groups);
 
 size_t Base64EncodeGroupsAvx512(const uint8_t* in, size_t groups, size_t readable, char* out);
+void Base64EncodeLinesAvx512(const uint8_t* in, size_t lines, size_t readable, char* out);
 size_t Base64DecodeGroupsAvx512(const uint8_t* text, size_t length, size_t maxGroups,
                                 const Base64Skips* skips, uint8_t* out, size_t* groups);
 
