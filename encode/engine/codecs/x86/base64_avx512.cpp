@@ -11,47 +11,15 @@
 #include <array>
 
 #include "codecs/base64_alphabet.h"
-#include "codecs/x86/avx512_lanes.h"
 #include "codecs/x86/kernels.h"
+#include "codecs/x86/sextets_avx512.h"
 
 namespace fe::codecs::x86 {
 
 namespace {
 
-using Table64 = std::array<uint8_t, 64>;
-
-constexpr size_t kStepGroups = 16;  // 48 bytes, 64 characters
+constexpr size_t kStepGroups = kSextetStepGroups;  // 48 bytes, 64 characters
 constexpr uint8_t kNotInAlphabet = 0x80;
-
-// Lane j takes group j as bytes b1 b0 b2 b1 (little-endian), which puts
-// sextet 0 at bit 10, 1 at bit 4, 2 at bit 22 and 3 at bit 16.
-constexpr Table64 kSpread = [] {
-  Table64 table{};
-  for (int j = 0; j < 16; ++j) {
-    const int b = 3 * j;
-    table[4 * j] = static_cast<uint8_t>(b + 1);
-    table[4 * j + 1] = static_cast<uint8_t>(b);
-    table[4 * j + 2] = static_cast<uint8_t>(b + 2);
-    table[4 * j + 3] = static_cast<uint8_t>(b + 1);
-  }
-  return table;
-}();
-
-constexpr uint64_t kSextetShifts = [] {
-  constexpr uint64_t inLane[4] = {10, 4, 22, 16};
-  uint64_t shifts = 0;
-  for (int k = 0; k < 8; ++k)
-    shifts |= (inLane[k % 4] + 32 * (k / 4)) << (8 * k);
-  return shifts;
-}();
-
-// Decoded lane j holds its group's 24 bits with the first byte highest.
-constexpr Table64 kPack = [] {
-  Table64 table{};
-  for (int k = 0; k < 48; ++k)
-    table[k] = static_cast<uint8_t>(4 * (k / 3) + 2 - k % 3);
-  return table;
-}();
 
 constexpr Table64 kLaneNumbers = [] {
   Table64 table{};
@@ -68,10 +36,6 @@ constexpr std::array<uint8_t, 128> kSextets = [] {
   return table;
 }();
 
-__m512i Load64(const uint8_t* bytes) {
-  return _mm512_loadu_si512(bytes);
-}
-
 // Where the step that ends at `end` starts: a whole step where one fits,
 // reaching back over groups already done if need be (masked loads and
 // stores to memory are slower on some processors than doing a few groups
@@ -80,15 +44,9 @@ size_t StepStart(size_t done, size_t end) {
   return end >= kStepGroups ? end - kStepGroups : done;
 }
 
-// The 64 characters of the 48 bytes in the low lanes.
-struct Encoder {
-  __m512i spread = Load64(kSpread.data());
-  __m512i shifts = _mm512_set1_epi64(static_cast<long long>(kSextetShifts));
-  __m512i alphabet = Load64(reinterpret_cast<const uint8_t*>(kBase64Alphabet));
-
-  __m512i operator()(__m512i bytes) const {
-    return Permute(MultiShift(shifts, Permute(spread, bytes)), alphabet);
-  }
+// The Base64 characters of the 48 bytes in the low lanes.
+struct Encoder : SextetEncoder {
+  Encoder() : SextetEncoder(kBase64Alphabet) {}
 };
 
 // The 48 bytes at `from`, by a plain load where 64 are readable.
@@ -136,7 +94,6 @@ namespace {
 struct Decoder {
   __m512i lowHalf = Load64(kSextets.data());
   __m512i highHalf = Load64(kSextets.data() + 64);
-  __m512i pack = Load64(kPack.data());
 
   // Looks up the `count` characters (up to 64) at `text`; returns a mask of
   // those outside the alphabet.
@@ -149,12 +106,7 @@ struct Decoder {
     return _mm512_movepi8_mask(_mm512_or_si512(characters, *sextets)) & taken;
   }
 
-  // The 48 bytes of 16 groups of sextets.
-  __m512i Bytes(__m512i sextets) const {
-    const __m512i pairs = _mm512_maddubs_epi16(sextets, _mm512_set1_epi32(0x01400140));
-    const __m512i lanes = _mm512_madd_epi16(pairs, _mm512_set1_epi32(0x00011000));
-    return Permute(pack, lanes);
-  }
+  __m512i Bytes(__m512i sextets) const { return SextetBytes(sextets); }
 };
 
 // A whole step's 48 bytes by two plain stores.
