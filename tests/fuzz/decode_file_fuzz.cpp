@@ -2,40 +2,22 @@
 // Base85) on files made of random bytes, and on valid encodings with a few
 // bytes changed: no crash, no sanitizer report, and an unchanged valid
 // encoding decodes back to its data.
-#include <unistd.h>
-
 #include <cstdio>
 #include <string>
 #include <vector>
 
 #include "file_encoder.h"
+#include "fuzz_files.h"
 #include "fuzz_input.h"
 
 namespace {
 
+using fe::fuzz::ReadWholeFile;
+using fe::fuzz::WriteWholeFile;
+
 const std::string& Folder() {
-  static const std::string folder = [] {
-    char pattern[] = "/tmp/fe_decode_file_fuzz_XXXXXX";
-    return std::string(mkdtemp(pattern));
-  }();
+  static const std::string folder = fe::fuzz::FuzzFolder("decode_file");
   return folder;
-}
-
-void WriteFile(const std::string& name, const std::vector<uint8_t>& bytes) {
-  FILE* file = std::fopen(name.c_str(), "wb");
-  if (file == nullptr) return;
-  std::fwrite(bytes.data(), 1, bytes.size(), file);
-  std::fclose(file);
-}
-
-std::vector<uint8_t> ReadFile(const std::string& name) {
-  std::vector<uint8_t> bytes;
-  FILE* file = std::fopen(name.c_str(), "rb");
-  if (file == nullptr) return bytes;
-  for (int c; (c = std::fgetc(file)) != EOF;)
-    bytes.push_back(static_cast<uint8_t>(c));
-  std::fclose(file);
-  return bytes;
 }
 
 }  // namespace
@@ -59,16 +41,16 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   std::vector<uint8_t> text = rest;
   bool valid = false;
   if (fromValid) {
-    WriteFile(plain, rest);
+    WriteWholeFile(plain, rest);
     valid = EncodeFileByType(plain.c_str(), encoded.c_str(), encoding);
-    text = ReadFile(encoded);
+    text = ReadWholeFile(encoded);
     for (uint16_t at : positions) {
       if (!text.empty()) text[at % text.size()] ^= static_cast<uint8_t>(at >> 8 | 1);
     }
   }
-  WriteFile(encoded, text);
+  WriteWholeFile(encoded, text);
   const bool done = DecodeFileByType(encoded.c_str(), decoded.c_str(), encoding);
-  if (valid && positions.empty() && (!done || ReadFile(decoded) != rest)) __builtin_trap();
+  if (valid && positions.empty() && (!done || ReadWholeFile(decoded) != rest)) __builtin_trap();
   std::remove(plain.c_str());
   std::remove(encoded.c_str());
   std::remove(decoded.c_str());

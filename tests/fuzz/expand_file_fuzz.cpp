@@ -6,6 +6,7 @@
 #include <string>
 
 #include "file_encoder.h"
+#include "fuzz_files.h"
 #include "fuzz_input.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
@@ -17,16 +18,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   // the sanitizer maps shadow memory for all of it and the run crawls. Keep
   // LZMA dictionaries below 16 MiB so the fuzzer spends its time in parsing.
   if ((type == 0 || type == 3) && bytes.size() > 4) bytes[4] = 0;
-  static const std::string folder = [] {
-    char pattern[] = "/tmp/fe_expand_fuzz_XXXXXX";
-    return std::string(mkdtemp(pattern));
-  }();
+  static const std::string folder = fe::fuzz::FuzzFolder("expand");
   const std::string source = folder + "/source";
   const std::string output = folder + "/output";
-  FILE* file = std::fopen(source.c_str(), "wb");
-  if (file == nullptr) return 0;
-  std::fwrite(bytes.data(), 1, bytes.size(), file);
-  std::fclose(file);
+  fe::fuzz::WriteWholeFile(source, bytes);
   const bool expanded = ExpandFileByType(source.c_str(), output.c_str(), type);
   if (!expanded && access(output.c_str(), F_OK) == 0) __builtin_trap();
   std::remove(output.c_str());
