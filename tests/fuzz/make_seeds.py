@@ -132,6 +132,10 @@ def data_seeds(samples):
         lines = b"\r\n".join(b32[i:i + 72] for i in range(0, len(b32), 72))
         write("base32_kernels_fuzz", "decode%d" % n, bytes([1]) + seed + lines)
         write("base32_kernels_fuzz", "lower%d" % n, bytes([1]) + seed + b32.lower())
+        # uu_files: bit 0 cuts the block off, then body lines (LF between).
+        body = b"".join(binascii.b2a_uu(data[i:i + 45]) for i in range(0, min(len(data), 2000), 45))
+        write("uu_files_fuzz", "whole%d" % n, bytes([0]) + body)
+        write("uu_files_fuzz", "cut%d" % n, bytes([1]) + body)
         # yenc_kernels: mode (bit 0 decode), starting column, split seed, data.
         write("yenc_kernels_fuzz", "encode%d" % n, bytes([0, n * 37 % 128]) + seed + data[:4096])
         write("yenc_kernels_fuzz", "decode%d" % n, bytes([1, 0]) + seed + yenc(data[:4096]))

@@ -1,6 +1,7 @@
 // The only place that knows which vector kernels the codecs have.
 #include "codecs/base32_kernels.h"
 #include "codecs/base64_kernels.h"
+#include "codecs/uu_kernels.h"
 #include "codecs/yenc_kernels.h"
 #include "cpu/cpu_level.h"
 
@@ -35,6 +36,15 @@ const Base32Kernels* PickBase32Kernels() {
   return nullptr;
 }
 
+// uuencode shares Base64's sextet steps, which need VBMI.
+const UuKernels* PickUuKernels() {
+#ifdef FE_CODECS_X86
+  static constexpr UuKernels kAvx512{x86::UuEncodeGroupsAvx512, x86::UuDecodeGroupsAvx512};
+  if (cpu::ChosenLevel() >= cpu::Level::kAvx512) return &kAvx512;
+#endif
+  return nullptr;
+}
+
 // yEnc's kernels squeeze with VBMI2; below AVX-512 the byte loops run.
 const YencKernels* PickYencKernels() {
 #ifdef FE_CODECS_X86
@@ -53,6 +63,11 @@ const Base64Kernels* ChosenBase64Kernels() {
 
 const Base32Kernels* ChosenBase32Kernels() {
   static const Base32Kernels* const chosen = PickBase32Kernels();
+  return chosen;
+}
+
+const UuKernels* ChosenUuKernels() {
+  static const UuKernels* const chosen = PickUuKernels();
   return chosen;
 }
 

@@ -4,6 +4,8 @@
 #include <cstring>
 #include <string>
 
+#include "codecs/uu_alphabet.h"
+#include "codecs/uu_kernels.h"
 #include "errors/last_error.h"
 #include "errors/system_errors.h"
 #include "file_encoder.h"
@@ -18,10 +20,39 @@ constexpr size_t kLineBufferSize = 1024;
 constexpr size_t kFlushAt = 944;
 constexpr size_t kDecodeFlushAt = 1008;
 
-// 0 is written as the grave accent, never as a space.
 char UuChar(uint32_t value) {
-  const uint32_t v = value & 63;
-  return v == 0 ? '`' : static_cast<char>(v + 32);
+  return fe::codecs::kUuAlphabet[value & 63];
+}
+
+// The characters of `groups` whole groups, the kernel taking them where
+// the processor has one.
+void EncodeGroups(const uint8_t* in, size_t groups, char* out) {
+  if (const auto* kernels = fe::codecs::ChosenUuKernels()) {
+    kernels->encodeGroups(in, groups, out);
+    return;
+  }
+  for (size_t group = 0; group < groups; ++group, in += 3, out += 4) {
+    out[0] = UuChar(in[0] >> 2);
+    out[1] = UuChar(((in[0] & 3) << 4) | (in[1] >> 4));
+    out[2] = UuChar(((in[1] & 15) << 2) | (in[2] >> 6));
+    out[3] = UuChar(in[2] & 63);
+  }
+}
+
+// The bytes of `groups` whole groups of four characters.
+void DecodeGroups(const uint8_t* text, size_t groups, uint8_t* out) {
+  if (const auto* kernels = fe::codecs::ChosenUuKernels()) {
+    kernels->decodeGroups(text, groups, out);
+    return;
+  }
+  for (size_t group = 0; group < groups; ++group, text += 4, out += 3) {
+    uint8_t v[4];
+    for (size_t k = 0; k < 4; ++k)
+      v[k] = static_cast<uint8_t>((text[k] - 32) & 63);
+    out[0] = static_cast<uint8_t>((v[0] << 2) | (v[1] >> 4));
+    out[1] = static_cast<uint8_t>((v[1] << 4) | (v[2] >> 2));
+    out[2] = static_cast<uint8_t>((v[2] << 6) | v[3]);
+  }
 }
 
 // Lines of the file by position: the line at an offset is the first line
@@ -118,13 +149,9 @@ int UuencodeFile(const char* inputName, const char* outputName) {
   writer.Write(header.data(), static_cast<uint32_t>(header.size()));
   for (uint32_t n; (n = reader.Read(chunk, kLineBytes)) > 0;) {
     line[used++] = UuChar(n);
-    for (uint32_t group = 0; group < (n - 1) / 3 + 1; ++group) {
-      const uint8_t* b = chunk + 3 * group;
-      line[used++] = UuChar(b[0] >> 2);
-      line[used++] = UuChar(((b[0] & 3) << 4) | (b[1] >> 4));
-      line[used++] = UuChar(((b[1] & 15) << 2) | (b[2] >> 6));
-      line[used++] = UuChar(b[2] & 63);
-    }
+    const uint32_t groups = (n - 1) / 3 + 1;
+    EncodeGroups(chunk, groups, line + used);
+    used += 4 * groups;
     line[used++] = '\r';
     line[used++] = '\n';
     if (used >= kFlushAt) {
@@ -188,11 +215,25 @@ int UudecodeFile(const char* inputName, const char* outputName) {
     // An empty line has no characters after its (missing) length character.
     const auto* c = reinterpret_cast<const uint8_t*>(text + 1);
     const size_t length = text[0] != '\0' ? std::strlen(text + 1) : 0;
-    for (size_t at = 0; n > 0; at += 4, n -= 3) {
+    size_t at = 0;
+    while (n > 0) {
       if (used >= kDecodeFlushAt) {
         writer.Write(bytes, static_cast<uint32_t>(used));
         used = 0;
       }
+      // Whole groups with all their characters at once, up to the group
+      // that finds the block full, where it is handed on as before.
+      const size_t whole =
+          std::min({static_cast<size_t>(n / 3), at < length ? (length - at) / 4 : 0,
+                    (kDecodeFlushAt - used + 2) / 3});
+      if (whole > 0) {
+        DecodeGroups(c + at, whole, bytes + used);
+        used += 3 * whole;
+        at += 4 * whole;
+        n -= static_cast<int>(3 * whole);
+        continue;
+      }
+      // A short last group, or one past the line's characters (read as 0).
       uint8_t v[4];
       for (size_t k = 0; k < 4; ++k) {
         v[k] = at + k < length ? static_cast<uint8_t>((c[at + k] - 32) & 63) : 0;
@@ -200,6 +241,8 @@ int UudecodeFile(const char* inputName, const char* outputName) {
       bytes[used++] = static_cast<uint8_t>((v[0] << 2) | (v[1] >> 4));
       if (n > 1) bytes[used++] = static_cast<uint8_t>((v[1] << 4) | (v[2] >> 2));
       if (n > 2) bytes[used++] = static_cast<uint8_t>((v[2] << 6) | v[3]);
+      at += 4;
+      n -= 3;
     }
     text = lines.Read(line, &offset);
   }
