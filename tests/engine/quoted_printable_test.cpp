@@ -178,5 +178,63 @@ TEST(QuotedPrintable, DecoderMatchesPlainPhases) {
   }
 }
 
+// Text with runs of every length between the escapes, so that runs end
+// inside and after the eight-byte words the decoder scans and past the
+// point where it hands over to memchr.
+std::string TextWithRuns(std::mt19937& random, size_t length) {
+  static const std::string escapes[] = {"=41", "=7e", "=\r\n", "=\n", "=4 1", "=G0", "=", "=4"};
+  std::string text;
+  while (text.size() < length) {
+    const size_t run = random() % 4 == 0 ? random() % 40 : random() % 10;
+    for (size_t k = 0; k < run; ++k)
+      text += static_cast<char>("abcxyz019 \t\r\n"[random() % 13]);
+    text += escapes[random() % 10 < 7 ? random() % 2 : 2 + random() % 6];
+  }
+  text.resize(length);
+  return text;
+}
+
+TEST(QuotedPrintable, DecoderMatchesPlainPhasesOnTextsWithRunsOfEveryLength) {
+  std::mt19937 random(76);
+  for (size_t length = 0; length <= 1500; ++length) {
+    const std::string text = TextWithRuns(random, length);
+    const auto capacity =
+        static_cast<int32_t>(random() % 3 == 0 ? random() % (length + 1) : length);
+    Bytes a(length + 8, 0xA5), b = a;
+    QpDecodeState state{};
+    const int32_t na =
+        QpDecodeChunk(text.data(), static_cast<int32_t>(text.size()), a.data(), capacity, &state);
+    ASSERT_EQ(na, PlainQpDecode(text, b, capacity)) << text;
+    ASSERT_EQ(a, b) << text;
+  }
+}
+
+// The state carries an escape, a soft break or a run across any split.
+TEST(QuotedPrintable, DecodingInPiecesMatchesOnePass) {
+  std::mt19937 random(77);
+  for (size_t length = 0; length <= 1500; length += 1 + random() % 5) {
+    const std::string text = TextWithRuns(random, length);
+    Bytes whole(length + 8);
+    const int32_t expected = PlainQpDecode(text, whole, static_cast<int32_t>(length));
+    QpDecodeState state{};
+    Bytes pieces;
+    int32_t result = 0;
+    for (size_t at = 0; at < length && result >= 0;) {
+      const size_t piece = std::min(length - at, 1 + random() % 50);
+      Bytes out(piece + 8);
+      result = QpDecodeChunk(text.data() + at, static_cast<int32_t>(piece), out.data(),
+                             static_cast<int32_t>(piece), &state);
+      if (result > 0) pieces.insert(pieces.end(), out.begin(), out.begin() + result);
+      at += piece;
+    }
+    if (expected < 0) {
+      ASSERT_LT(result, 0) << text;
+    } else {
+      ASSERT_GE(result, 0) << text;
+      ASSERT_EQ(pieces, Bytes(whole.begin(), whole.begin() + expected)) << text;
+    }
+  }
+}
+
 }  // namespace
 }  // namespace fe::test

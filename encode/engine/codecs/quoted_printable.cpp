@@ -1,5 +1,7 @@
 // Quoted-printable: the data encoder and the chunked decoder.
+#include <algorithm>
 #include <array>
+#include <bit>
 #include <cstring>
 #include <string_view>
 
@@ -25,6 +27,31 @@ constexpr auto kWrittenAsIs = [] {
 }();
 
 enum DecodePhase : uint32_t { kText = 0, kAfterEquals, kAfterFirstDigit, kAfterLineEnd };
+
+// Runs of text up to this long are scanned eight bytes at a time here,
+// longer ones by memchr.
+constexpr size_t kShortRun = 16;
+
+// The length of the run before the first '=' among the `room` bytes at
+// `in`, or kShortRun when there is none among the first kShortRun. The
+// lowest byte of a word is the first in memory.
+static_assert(std::endian::native == std::endian::little);
+size_t ShortRun(const uint8_t* in, size_t room) {
+  constexpr uint64_t kOnes = 0x0101010101010101, kHighs = 0x8080808080808080;
+  size_t run = 0;
+  for (; run + 8 <= std::min(room, kShortRun); run += 8) {
+    uint64_t word;
+    std::memcpy(&word, in + run, 8);
+    const uint64_t x = word ^ (kOnes * '=');
+    // The lowest flagged byte is the first '=' (higher flags may be false).
+    const uint64_t flags = (x - kOnes) & ~x & kHighs;
+    if (flags != 0) return run + static_cast<size_t>(std::countr_zero(flags)) / 8;
+  }
+  for (; run < std::min(room, kShortRun); ++run) {
+    if (in[run] == '=') return run;
+  }
+  return run;
+}
 
 }  // namespace
 
@@ -83,17 +110,29 @@ int32_t QpDecodeChunk(const char* text, int32_t length, uint8_t* output, int32_t
   int32_t count = 0;
   while (in < end && count < capacity) {
     if (state->phase == kText) {
-      // Copy the run up to the next '=' in one go.
+      // Copy the run up to the next '=' in one go; the first bytes are
+      // looked at directly, as runs between escapes are mostly short.
       const size_t room = static_cast<size_t>(std::min<int64_t>(end - in, capacity - count));
-      const void* equals = std::memchr(in, '=', room);
-      const size_t run = equals ? static_cast<const uint8_t*>(equals) - in : room;
+      size_t run = ShortRun(in, room);
+      if (run == kShortRun) {
+        const void* equals = std::memchr(in + run, '=', room - run);
+        run = equals ? static_cast<size_t>(static_cast<const uint8_t*>(equals) - in) : room;
+      }
       std::memcpy(output + count, in, run);
       count += static_cast<int32_t>(run);
       in += run;
-      if (equals != nullptr) {
-        state->phase = kAfterEquals;
-        ++in;
+      if (run == room) continue;
+      // An '=' within the room, so one more byte fits. The usual escape,
+      // '=' and two hex digits, is taken at once.
+      if (end - in >= 3 && kHexValue[in[1]] != kNotHex && kHexValue[in[2]] != kNotHex) {
+        state->high = kHexValue[in[1]];
+        state->low = kHexValue[in[2]];
+        output[count++] = static_cast<uint8_t>((state->high << 4) | state->low);
+        in += 3;
+        continue;
       }
+      state->phase = kAfterEquals;
+      ++in;
       continue;
     }
     const uint8_t c = *in++;
