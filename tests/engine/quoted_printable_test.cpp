@@ -220,7 +220,7 @@ TEST(QuotedPrintable, DecodingInPiecesMatchesOnePass) {
     Bytes pieces;
     int32_t result = 0;
     for (size_t at = 0; at < length && result >= 0;) {
-      const size_t piece = std::min(length - at, 1 + random() % 50);
+      const size_t piece = std::min<size_t>(length - at, 1 + random() % 50);
       Bytes out(piece + 8);
       result = QpDecodeChunk(text.data() + at, static_cast<int32_t>(piece), out.data(),
                              static_cast<int32_t>(piece), &state);
