@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "reference/qp_reference.h"
 #include "test_support.h"
 
 namespace fe::test {
@@ -9,42 +10,11 @@ std::string QpDecode(const std::string& text, int32_t* result = nullptr) {
   return ToString(Decode(text, dataDecodeQuoted, result));
 }
 
-// Decoding one character at a time, as the decoder's phases are described.
+// The one-character-at-a-time decoder over the whole text in one piece.
 int32_t PlainQpDecode(const std::string& text, Bytes& out, int32_t capacity) {
-  int phase = 0, high = 0;
-  int32_t count = 0;
-  auto hex = [](char c) {
-    if (c >= '0' && c <= '9') return c - '0';
-    if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-    if (c >= 'a' && c <= 'f') return c - 'a' + 10;
-    return -1;
-  };
-  for (char c : text) {
-    if (count >= capacity) return count;
-    if (phase == 0) {
-      if (c == '=')
-        phase = 1;
-      else
-        out[static_cast<size_t>(count++)] = static_cast<uint8_t>(c);
-    } else if (phase == 1) {
-      if (c == '\r' || c == '\n')
-        phase = 3;
-      else if (hex(c) < 0)
-        return -1;
-      else {
-        high = hex(c);
-        phase = 2;
-      }
-    } else if (phase == 2) {
-      if (c == ' ' || (c >= '\t' && c <= '\r')) continue;
-      phase = 0;
-      if (hex(c) < 0) return -1;
-      out[static_cast<size_t>(count++)] = static_cast<uint8_t>(high << 4 | hex(c));
-    } else {
-      phase = 0;
-    }
-  }
-  return count;
+  QpDecodeState state{};
+  return reference::QpDecodeChunk(text.data(), static_cast<int32_t>(text.size()), out.data(),
+                                  capacity, &state);
 }
 
 TEST(QuotedPrintable, EqualsSignIsEscaped) {

@@ -132,6 +132,10 @@ def data_seeds(samples):
         lines = b"\r\n".join(b32[i:i + 72] for i in range(0, len(b32), 72))
         write("base32_kernels_fuzz", "decode%d" % n, bytes([1]) + seed + lines)
         write("base32_kernels_fuzz", "lower%d" % n, bytes([1]) + seed + b32.lower())
+        # qp_kernels: split seed, text (wrapped and not).
+        write("qp_kernels_fuzz", "plain%d" % n, seed + binascii.b2a_qp(data[:4096]))
+        soft = quopri.encodestring(data[:4096]).replace(b"\n", b"\r\n")
+        write("qp_kernels_fuzz", "lines%d" % n, seed + soft)
         # uu_files: bit 0 cuts the block off, then body lines (LF between).
         body = b"".join(binascii.b2a_uu(data[i:i + 45]) for i in range(0, min(len(data), 2000), 45))
         write("uu_files_fuzz", "whole%d" % n, bytes([0]) + body)

@@ -1,6 +1,7 @@
 // The only place that knows which vector kernels the codecs have.
 #include "codecs/base32_kernels.h"
 #include "codecs/base64_kernels.h"
+#include "codecs/qp_kernels.h"
 #include "codecs/uu_kernels.h"
 #include "codecs/yenc_kernels.h"
 #include "cpu/cpu_level.h"
@@ -36,6 +37,15 @@ const Base32Kernels* PickBase32Kernels() {
   return nullptr;
 }
 
+// Quoted-printable squeezes with VBMI2.
+const QpKernels* PickQpKernels() {
+#ifdef FE_CODECS_X86
+  static constexpr QpKernels kAvx512{x86::QpDecodeTextAvx512};
+  if (cpu::ChosenLevel() >= cpu::Level::kAvx512) return &kAvx512;
+#endif
+  return nullptr;
+}
+
 // uuencode shares Base64's sextet steps, which need VBMI.
 const UuKernels* PickUuKernels() {
 #ifdef FE_CODECS_X86
@@ -63,6 +73,11 @@ const Base64Kernels* ChosenBase64Kernels() {
 
 const Base32Kernels* ChosenBase32Kernels() {
   static const Base32Kernels* const chosen = PickBase32Kernels();
+  return chosen;
+}
+
+const QpKernels* ChosenQpKernels() {
+  static const QpKernels* const chosen = PickQpKernels();
   return chosen;
 }
 

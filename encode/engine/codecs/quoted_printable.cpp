@@ -7,6 +7,7 @@
 
 #include "codecs/codec_internal.h"
 #include "codecs/hex_digits.h"
+#include "codecs/qp_kernels.h"
 #include "file_encoder.h"
 
 namespace {
@@ -108,7 +109,21 @@ int32_t QpDecodeChunk(const char* text, int32_t length, uint8_t* output, int32_t
   const auto* in = reinterpret_cast<const uint8_t*>(text);
   const uint8_t* const end = in + (length > 0 ? length : 0);
   int32_t count = 0;
+  const auto* kernels = fe::codecs::ChosenQpKernels();
   while (in < end && count < capacity) {
+    if (state->phase == kText && kernels != nullptr) {
+      size_t written = 0, lastEscape = 0;
+      const size_t used = kernels->decodeText(in, static_cast<size_t>(end - in),
+                                              static_cast<size_t>(capacity - count), output + count,
+                                              &written, &lastEscape);
+      if (lastEscape != SIZE_MAX) {
+        state->high = kHexValue[in[lastEscape + 1]];
+        state->low = kHexValue[in[lastEscape + 2]];
+      }
+      in += used;
+      count += static_cast<int32_t>(written);
+      if (in == end) break;
+    }
     if (state->phase == kText) {
       // Copy the run up to the next '=' in one go; the first bytes are
       // looked at directly, as runs between escapes are mostly short.

@@ -1,6 +1,7 @@
 // Vector kernels of the codecs. Only the dispatch unit names them, after
 // cpuid; their contracts are those of codecs/base32_kernels.h,
-// codecs/base64_kernels.h, codecs/uu_kernels.h and codecs/yenc_kernels.h.
+// codecs/base64_kernels.h, codecs/qp_kernels.h, codecs/uu_kernels.h and
+// codecs/yenc_kernels.h.
 #pragma once
 
 #include <cstddef>
@@ -8,6 +9,7 @@
 
 #include "codecs/base32_kernels.h"
 #include "codecs/base64_kernels.h"
+#include "codecs/qp_kernels.h"
 #include "codecs/uu_kernels.h"
 #include "codecs/yenc_kernels.h"
 
@@ -24,6 +26,9 @@ size_t Base64DecodeGroupsAvx512(const uint8_t* text, size_t length, size_t maxGr
 
 size_t Base32EncodeGroupsAvx512(const uint8_t* in, size_t groups, char* out);
 size_t Base32DecodeGroupsAvx512(const uint8_t* text, size_t length, size_t maxGroups, uint8_t* out);
+
+size_t QpDecodeTextAvx512(const uint8_t* text, size_t length, size_t room, uint8_t* out,
+                          size_t* written, size_t* lastEscape);
 
 void UuEncodeGroupsAvx512(const uint8_t* in, size_t groups, char* out);
 void UuDecodeGroupsAvx512(const uint8_t* text, size_t groups, uint8_t* out);

@@ -1,0 +1,102 @@
+// The quoted-printable chunk decoder against the character-at-a-time
+// phases at every length up to 4096, split at random places into chunks of
+// random capacity. make test runs this suite at every instruction-set
+// level (FE_CPU), so the vector kernel and the run copies both face it.
+#include <gtest/gtest.h>
+
+#include <random>
+#include <string>
+
+#include "chunk_pieces.h"
+#include "codecs/qp_kernels.h"
+#include "cpu/cpu_level.h"
+#include "reference/qp_reference.h"
+#include "test_support.h"
+
+namespace fe::test {
+namespace {
+
+bool SameState(const QpDecodeState& a, const QpDecodeState& b) {
+  return a.phase == b.phase && a.high == b.high && a.low == b.low;
+}
+
+void ExpectChunkedDecodingAgrees(std::mt19937& random, const std::string& text) {
+  QpDecodeState fast{}, plain{};
+  ExpectSameInPieces<uint8_t>(
+      static_cast<int32_t>(text.size()), random, &fast, &plain,
+      // Mostly room for the piece; now and then a stop anywhere.
+      [&](int32_t piece) {
+        return random() % 3 == 0 ? static_cast<int32_t>(random() % (piece + 2u)) : piece + 1;
+      },
+      [&](int32_t at, int32_t piece, uint8_t* out, int32_t capacity, QpDecodeState* state) {
+        return QpDecodeChunk(text.data() + at, piece, out, capacity, state);
+      },
+      [&](int32_t at, int32_t piece, uint8_t* out, int32_t capacity, QpDecodeState* state) {
+        return reference::QpDecodeChunk(text.data() + at, piece, out, capacity, state);
+      },
+      SameState);
+}
+
+// Encoded random data (wrapped for odd lengths, so with soft line breaks),
+// cut to `length` characters, with up to three characters replaced by ones
+// the phases treat specially.
+std::string DamagedText(std::mt19937& random, int32_t length) {
+  const uint32_t flags = dataEncodeQuoted | (length % 2 ? dataEncodeWrapLines : 0);
+  std::string text = Encode(RandomBytes(static_cast<size_t>(length), random()), flags);
+  text.resize(static_cast<size_t>(length), 'q');
+  static const std::string noise("=\r\n \t4fG\x80\xFF\0", 11);
+  for (int k = static_cast<int>(random() % 4); k > 0 && length > 0; --k)
+    text[random() % static_cast<uint32_t>(length)] = noise[random() % noise.size()];
+  return text;
+}
+
+TEST(QpKernels, DecoderAgreesWithThePlainPhasesAtEveryLength) {
+  std::mt19937 random(7676);
+  for (int32_t length = 0; length <= 4096; ++length)
+    ExpectChunkedDecodingAgrees(random, DamagedText(random, length));
+}
+
+// Escapes and soft line breaks of every form, in runs, next to each other
+// and across the 64-character steps: "=\r\n=41" and "=\n=" swallow an '='.
+TEST(QpKernels, DecoderAgreesOnEveryFormOfEscape) {
+  std::mt19937 random(7677);
+  static const std::string pieces[] = {"=41", "=7e", "=\r\n", "=\n", "=\r=", "=\n=41", "=4 1",
+                                       "=G0", "=",   "=4",    "a",   "bc",   "\r\n",   "=\r\n="};
+  for (int round = 0; round < 3000; ++round) {
+    std::string text;
+    for (size_t k = random() % 120; k > 0; --k)
+      text += pieces[random() % 14];
+    ExpectChunkedDecodingAgrees(random, text);
+  }
+}
+
+// A full buffer stops the decoder right after a byte, before the soft line
+// break or escape that follows it: every capacity over wrapped text.
+TEST(QpKernels, EveryCapacityStopsWhereThePlainPhasesStop) {
+  const std::string text =
+      Encode(RandomBytes(300, 8), dataEncodeQuoted | dataEncodeWrapLines) + "=\r\nab=\n";
+  const auto length = static_cast<int32_t>(text.size());
+  for (int32_t capacity = 0; capacity <= 310; ++capacity) {
+    QpDecodeState fast{}, plain{};
+    Bytes a(320, 0xA5), b = a;
+    ASSERT_EQ(QpDecodeChunk(text.data(), length, a.data(), capacity, &fast),
+              reference::QpDecodeChunk(text.data(), length, b.data(), capacity, &plain))
+        << "capacity " << capacity;
+    ASSERT_EQ(a, b) << "capacity " << capacity;
+    ASSERT_TRUE(SameState(fast, plain)) << "capacity " << capacity;
+  }
+}
+
+TEST(QpKernels, EveryByteAtEveryPositionDecodesAsThePlainPhases) {
+  const std::string clean = Encode(RandomBytes(40, 6), dataEncodeQuoted | dataEncodeWrapLines);
+  ASSERT_GE(clean.size(), 90u);
+  ExpectEveryByteAtEveryPositionAgrees<QpDecodeState>(clean.substr(0, 90), 80, QpDecodeChunk,
+                                                      reference::QpDecodeChunk);
+}
+
+TEST(QpKernels, ChoiceFollowsTheProcessorAndTheCap) {
+  EXPECT_EQ(codecs::ChosenQpKernels() != nullptr, cpu::ChosenLevel() >= cpu::Level::kAvx512);
+}
+
+}  // namespace
+}  // namespace fe::test
