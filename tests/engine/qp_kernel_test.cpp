@@ -6,6 +6,7 @@
 
 #include <random>
 #include <string>
+#include <vector>
 
 #include "chunk_pieces.h"
 #include "codecs/qp_kernels.h"
@@ -92,6 +93,62 @@ TEST(QpKernels, EveryByteAtEveryPositionDecodesAsThePlainPhases) {
   ASSERT_GE(clean.size(), 90u);
   ExpectEveryByteAtEveryPositionAgrees<QpDecodeState>(clean.substr(0, 90), 80, QpDecodeChunk,
                                                       reference::QpDecodeChunk);
+}
+
+// Bytes of every kind the encoder treats apart: letters written as they
+// are, listed and control bytes, blanks before CR and elsewhere, bytes from
+// 128 up; the mix changes with the seed, so lines hold few or many escapes.
+Bytes MixedBytes(size_t size, uint32_t seed) {
+  std::mt19937 random(seed);
+  static const std::string special("=! \t\r\n@~`\x7F\x80\xFF\0", 13);
+  const uint32_t rate = seed % 5;
+  Bytes data(size);
+  for (auto& b : data) {
+    const uint32_t pick = random() % 5;
+    b = pick < rate
+            ? static_cast<uint8_t>('a' + random() % 26)
+            : static_cast<uint8_t>(pick == 4 ? special[random() % special.size()] : random());
+  }
+  return data;
+}
+
+void ExpectEncodingAgrees(const Bytes& data, int32_t capacity, bool wrap) {
+  const auto length = static_cast<int32_t>(data.size());
+  std::vector<char> fast(static_cast<size_t>(capacity) + 2 + 8, '#');
+  const int32_t count = QpEncode(data.data(), length, fast.data(), capacity, wrap);
+  std::string plain;
+  const int64_t expected =
+      reference::QpEncode(data.data(), length, capacity, wrap, int64_t{capacity} + 2, &plain);
+  ASSERT_EQ(count, expected) << "length " << length << " capacity " << capacity;
+  if (count < 0) return;
+  ASSERT_EQ(std::string(fast.data(), static_cast<size_t>(count)), plain) << "length " << length;
+  // Nothing is written after the last character.
+  ASSERT_EQ(std::string(fast.begin() + count, fast.end()),
+            std::string(fast.size() - static_cast<size_t>(count), '#'));
+}
+
+TEST(QpKernels, EncoderAgreesWithThePlainEncoderAtEveryLength) {
+  std::mt19937 random(1776);
+  for (int32_t length = 0; length <= 4096; ++length) {
+    const Bytes data = MixedBytes(static_cast<size_t>(length), static_cast<uint32_t>(length));
+    // The least capacity accepted, which stops most inputs early, or room
+    // for everything.
+    const int32_t least = length + length / 3;
+    const int32_t capacity = random() % 2 == 0 ? least + static_cast<int32_t>(random() % 8)
+                                               : 3 * length + length / 20 + 4;
+    ExpectEncodingAgrees(data, capacity, length % 2 == 1);
+  }
+}
+
+// Every capacity over one input: the kernel hands over wherever its widest
+// step would not fit, and an escape may run two characters past the
+// capacity.
+TEST(QpKernels, EncoderAgreesAtEveryCapacity) {
+  const Bytes data = MixedBytes(300, 3);
+  for (int32_t capacity = 400; capacity <= 950; ++capacity) {
+    ExpectEncodingAgrees(data, capacity, true);
+    ExpectEncodingAgrees(data, capacity, false);
+  }
 }
 
 TEST(QpKernels, ChoiceFollowsTheProcessorAndTheCap) {

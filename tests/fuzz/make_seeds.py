@@ -132,10 +132,11 @@ def data_seeds(samples):
         lines = b"\r\n".join(b32[i:i + 72] for i in range(0, len(b32), 72))
         write("base32_kernels_fuzz", "decode%d" % n, bytes([1]) + seed + lines)
         write("base32_kernels_fuzz", "lower%d" % n, bytes([1]) + seed + b32.lower())
-        # qp_kernels: split seed, text (wrapped and not).
-        write("qp_kernels_fuzz", "plain%d" % n, seed + binascii.b2a_qp(data[:4096]))
+        # qp_kernels: mode (bit 0 encode, bit 1 wrap), split seed, text or data.
+        write("qp_kernels_fuzz", "plain%d" % n, bytes([0]) + seed + binascii.b2a_qp(data[:4096]))
         soft = quopri.encodestring(data[:4096]).replace(b"\n", b"\r\n")
-        write("qp_kernels_fuzz", "lines%d" % n, seed + soft)
+        write("qp_kernels_fuzz", "lines%d" % n, bytes([0]) + seed + soft)
+        write("qp_kernels_fuzz", "encode%d" % n, bytes([1 + 2 * (n % 2)]) + seed + data[:4096])
         # uu_files: bit 0 cuts the block off, then body lines (LF between).
         body = b"".join(binascii.b2a_uu(data[i:i + 45]) for i in range(0, min(len(data), 2000), 45))
         write("uu_files_fuzz", "whole%d" % n, bytes([0]) + body)

@@ -1,8 +1,10 @@
-// The quoted-printable chunk decoder as this processor runs it (the vector
-// kernel where it has one) against the character-at-a-time phases: every
-// count, output byte and state field identical, over chunk splits and
-// capacities the input chooses. Choice bytes: a seed for the splits; the
-// rest is the text.
+// Quoted-printable as this processor runs it (vector kernels where it has
+// them) against the one-at-a-time encoder and phases. Decoding: every
+// count, output byte and state field identical over chunk splits and
+// capacities the input chooses. Encoding: the same characters, count and
+// failure at a capacity and wrapping the input chooses, and nothing written
+// after the last character. Choice bytes: the mode (bit 0 encodes, bit 1
+// wraps) and a seed; the rest is the text or the data.
 #include <random>
 #include <string>
 #include <vector>
@@ -12,14 +14,13 @@
 #include "fuzz_input.h"
 #include "reference/qp_reference.h"
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  fe::fuzz::FuzzInput input(data, size);
-  std::mt19937 random(input.Take16());
-  const std::vector<uint8_t> rest = input.Rest();
-  const std::string copy(rest.begin(), rest.end());
+namespace {
+
+void Decode(const std::vector<uint8_t>& bytes, std::mt19937& random) {
+  const std::string copy(bytes.begin(), bytes.end());
   const char* text = copy.c_str();
   fe::fuzz::CompareInPieces<uint8_t, QpDecodeState>(
-      static_cast<int32_t>(rest.size()), random,
+      static_cast<int32_t>(bytes.size()), random,
       [&](int32_t piece) {
         return random() % 3 == 0 ? static_cast<int32_t>(random() % (piece + 2u)) : piece + 1;
       },
@@ -32,5 +33,33 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
       [](const QpDecodeState& a, const QpDecodeState& b) {
         return a.phase == b.phase && a.high == b.high && a.low == b.low;
       });
+}
+
+void Encode(const std::vector<uint8_t>& data, bool wrap, std::mt19937& random) {
+  const auto length = static_cast<int32_t>(data.size());
+  const int32_t capacity = length + length / 3 + static_cast<int32_t>(random() % (2u * length + 8));
+  std::vector<char> out(static_cast<size_t>(capacity) + 2 + 8, '#');
+  const int32_t count = QpEncode(data.data(), length, out.data(), capacity, wrap);
+  std::string plain;
+  fe::fuzz::Check(count == fe::reference::QpEncode(data.data(), length, capacity, wrap,
+                                                   int64_t{capacity} + 2, &plain));
+  if (count < 0) return;
+  fe::fuzz::Check(std::string(out.data(), static_cast<size_t>(count)) == plain);
+  for (size_t k = static_cast<size_t>(count); k < out.size(); ++k)
+    fe::fuzz::Check(out[k] == '#');
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  fe::fuzz::FuzzInput input(data, size);
+  const uint8_t mode = input.Take();
+  std::mt19937 random(input.Take16());
+  const std::vector<uint8_t> rest = input.Rest();
+  if (mode & 1) {
+    Encode(rest, (mode & 2) != 0, random);
+  } else {
+    Decode(rest, random);
+  }
   return 0;
 }

@@ -1,14 +1,19 @@
-// The vector kernel the quoted-printable decoder runs over text, chosen
-// once per process for this processor and FE_CPU. It takes plain
-// characters, '=' with two hex digits, and soft line breaks ('=', CR or
-// LF, and one more character that is not '='); every other '=' and the
-// last bytes before the capacity stay with the portable state machine.
+// The vector kernels of quoted-printable, chosen once per process for this
+// processor and FE_CPU. The encoder's takes whole 16-byte steps, far from
+// the end of the buffer. The decoder's takes plain characters, '=' with
+// two hex digits, and soft line breaks ('=', CR or LF, and one more
+// character that is not '='); every other '=' and the last bytes before
+// the capacity stay with the portable state machine.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 
 namespace fe::codecs {
+
+// The most characters a 16-byte encoding step writes: 16 escapes and a
+// soft line break.
+inline constexpr size_t kQpEncodeStepRoom = 16 * 3 + 3;
 
 struct QpKernels {
   // Decodes from the start of the `length` characters of `text` (the
@@ -18,6 +23,13 @@ struct QpKernels {
   // characters consumed, sets *written to the bytes written and *lastEscape
   // to the offset of the last '=' with hex digits it decoded (SIZE_MAX for
   // none).
+  // Encodes the `length` bytes left of the input from `in`, 16 at a time
+  // while 16 are left and `room` holds kQpEncodeStepRoom
+  // characters before each step; with `wrap` it breaks lines with "="
+  // CR LF before a byte that finds *column past 72, and it keeps *column.
+  // Returns the bytes consumed and sets *written to the characters written.
+  size_t (*encodeBytes)(const uint8_t* in, size_t length, bool wrap, size_t room, char* out,
+                        uint32_t* column, size_t* written);
   size_t (*decodeText)(const uint8_t* text, size_t length, size_t room, uint8_t* out,
                        size_t* written, size_t* lastEscape);
 };

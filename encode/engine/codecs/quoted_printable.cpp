@@ -3,29 +3,16 @@
 #include <array>
 #include <bit>
 #include <cstring>
-#include <string_view>
 
 #include "codecs/codec_internal.h"
 #include "codecs/hex_digits.h"
+#include "codecs/qp_escapes.h"
 #include "codecs/qp_kernels.h"
 #include "file_encoder.h"
 
 namespace {
 
 using namespace fe::codecs;
-
-// Printable characters that are escaped all the same; the one place to
-// change the set.
-constexpr std::string_view kAlwaysEscaped = "!\"#$@[\\]^`{|}=";
-
-constexpr auto kWrittenAsIs = [] {
-  std::array<bool, 256> table{};
-  for (int c = 32; c <= 126; ++c)
-    table[c] = true;
-  for (char c : kAlwaysEscaped)
-    table[static_cast<uint8_t>(c)] = false;
-  return table;
-}();
 
 enum DecodePhase : uint32_t { kText = 0, kAfterEquals, kAfterFirstDigit, kAfterLineEnd };
 
@@ -68,7 +55,20 @@ int32_t QpEncodeInto(const uint8_t* input, int32_t length, char* output, int32_t
   int64_t remaining = capacity;
   int64_t count = 0;
   int column = 0;
+  const auto* kernels = ChosenQpKernels();
   for (int32_t i = 0; i < length && remaining >= 1; ++i) {
+    // Whole steps of 16 bytes by the kernel while the widest step fits.
+    if (kernels != nullptr && remaining >= int64_t{kQpEncodeStepRoom} && length - i >= 16) {
+      auto lineColumn = static_cast<uint32_t>(column);
+      size_t written = 0;
+      i += static_cast<int32_t>(kernels->encodeBytes(input + i, static_cast<size_t>(length - i),
+                                                     wrap, static_cast<size_t>(remaining),
+                                                     output + count, &lineColumn, &written));
+      count += static_cast<int64_t>(written);
+      remaining -= static_cast<int64_t>(written);
+      column = static_cast<int>(lineColumn);
+      if (i == length || remaining < 1) break;
+    }
     if (wrap && column > kLineLength) {
       if (count + 3 > bufferSize) return -1;
       std::memcpy(output + count, "=\r\n", 3);
@@ -80,7 +80,7 @@ int32_t QpEncodeInto(const uint8_t* input, int32_t length, char* output, int32_t
     // The encoder treats its input as binary: CR and LF are escaped like any
     // control byte, and a blank is escaped only before a CR.
     const bool blankBeforeCr = (c == ' ' || c == '\t') && i + 1 < length && input[i + 1] == '\r';
-    const int width = kWrittenAsIs[c] && !blankBeforeCr ? 1 : 3;
+    const int width = kQpWrittenAsIs[c] && !blankBeforeCr ? 1 : 3;
     if (count + width > bufferSize) return -1;
     if (width == 1) {
       output[count] = static_cast<char>(c);

@@ -27,6 +27,8 @@ size_t Base64DecodeGroupsAvx512(const uint8_t* text, size_t length, size_t maxGr
 size_t Base32EncodeGroupsAvx512(const uint8_t* in, size_t groups, char* out);
 size_t Base32DecodeGroupsAvx512(const uint8_t* text, size_t length, size_t maxGroups, uint8_t* out);
 
+size_t QpEncodeBytesAvx512(const uint8_t* in, size_t length, bool wrap, size_t room, char* out,
+                           uint32_t* column, size_t* written);
 size_t QpDecodeTextAvx512(const uint8_t* text, size_t length, size_t room, uint8_t* out,
                           size_t* written, size_t* lastEscape);
 

@@ -1,7 +1,12 @@
-// Quoted-printable decoding with AVX-512 VBMI2, 64 characters a step: the
-// masks of '=', hex digits and line ends show every escape and soft line
-// break of the step at once; each escape's byte goes where its '=' stood
-// and a compress squeezes out the digits and the soft breaks.
+// Quoted-printable with AVX-512 VBMI2.
+// Encoding, 16 bytes a step: each byte is laid out three times, as the
+// place of an '=' (or of the byte itself), of the high digit and of the low
+// digit, and a compress keeps the places each byte needs; the one soft line
+// break a step can hold splits the compress in two.
+// Decoding, 64 characters a step: the masks of '=', hex digits and line
+// ends show every escape and soft line break of the step at once; each
+// escape's byte goes where its '=' stood and a compress squeezes out the
+// digits and the soft breaks.
 #include <immintrin.h>
 
 #include <algorithm>
@@ -9,7 +14,9 @@
 #include <bit>
 #include <cstdint>
 
+#include "codecs/codec_internal.h"
 #include "codecs/hex_digits.h"
+#include "codecs/qp_escapes.h"
 #include "codecs/x86/avx512_lanes.h"
 #include "codecs/x86/kernels.h"
 
@@ -44,7 +51,108 @@ __m512i Load(const Table64& table) {
   return _mm512_loadu_si512(table.data());
 }
 
+constexpr size_t kEncodeStep = 16;
+
+// 0x80 for the bytes below 128 that are escaped; every byte from 128 up is.
+template <int kHalf>
+constexpr Table64 kEscaped = [] {
+  Table64 table{};
+  for (int i = 0; i < 64; ++i)
+    table[i] = kQpWrittenAsIs[64 * kHalf + i] ? 0 : 0x80;
+  return table;
+}();
+
+// Place p holds byte p / 3 of the step.
+constexpr Table64 kPlaces = [] {
+  Table64 table{};
+  for (int p = 0; p < 64; ++p)
+    table[p] = static_cast<uint8_t>(std::min(p / 3, 15));
+  return table;
+}();
+
+// The places of kind k (0 the '=' or the byte, 1 the high digit, 2 the low).
+template <int kKind>
+constexpr uint64_t kPlacesOfKind = [] {
+  uint64_t mask = 0;
+  for (int p = kKind; p < 48; p += 3)
+    mask |= uint64_t{1} << p;
+  return mask;
+}();
+
+constexpr Table64 kHexCharacters = [] {
+  Table64 table{};
+  for (int i = 0; i < 64; ++i)
+    table[i] = static_cast<uint8_t>(kUpperHexDigits[i % 16]);
+  return table;
+}();
+
 }  // namespace
+
+size_t QpEncodeBytesAvx512(const uint8_t* in, size_t length, bool wrap, size_t room, char* out,
+                           uint32_t* column, size_t* written) {
+  const __m512i escapedLow = Load(kEscaped<0>);
+  const __m512i escapedHigh = Load(kEscaped<1>);
+  const __m512i places = Load(kPlaces);
+  const __m512i hexCharacters = Load(kHexCharacters);
+  const __m512i lowNibble = _mm512_set1_epi8(15);
+  size_t at = 0, made = 0;
+  uint32_t lineColumn = *column;
+  while (length - at >= kEncodeStep && room - made >= kQpEncodeStepRoom) {
+    // The byte after the step decides whether its last blank is escaped.
+    const __mmask64 present = FirstBytes(std::min(length - at, kEncodeStep + 1));
+    const __m512i bytes = _mm512_maskz_loadu_epi8(present, in + at);
+    const __mmask64 blanks = _mm512_cmpeq_epi8_mask(bytes, _mm512_set1_epi8(' ')) |
+                             _mm512_cmpeq_epi8_mask(bytes, _mm512_set1_epi8('\t'));
+    const __mmask64 returns = _mm512_cmpeq_epi8_mask(bytes, _mm512_set1_epi8('\r')) & present;
+    const __mmask64 listed = _mm512_movepi8_mask(
+        _mm512_or_si512(_mm512_permutex2var_epi8(escapedLow, bytes, escapedHigh), bytes));
+    const auto escaped = static_cast<uint32_t>((listed | (blanks & (returns >> 1))) & 0xFFFF);
+
+    const __m512i spread = Permute(places, bytes);
+    const __m512i high = Permute(
+        _mm512_and_si512(_mm512_maskz_srli_epi16(kAllWords, spread, 4), lowNibble), hexCharacters);
+    const __m512i low = Permute(_mm512_and_si512(spread, lowNibble), hexCharacters);
+    const __mmask64 escapedPlaces =
+        _mm512_movepi8_mask(Permute(places, _mm512_movm_epi8(escaped))) & FirstBytes(48);
+    __m512i laidOut = _mm512_mask_mov_epi8(spread, kPlacesOfKind<1>, high);
+    laidOut = _mm512_mask_mov_epi8(laidOut, kPlacesOfKind<2>, low);
+    laidOut =
+        _mm512_mask_mov_epi8(laidOut, kPlacesOfKind<0> & escapedPlaces, _mm512_set1_epi8('='));
+    const __mmask64 kept =
+        kPlacesOfKind<0> | (escapedPlaces & (kPlacesOfKind<1> | kPlacesOfKind<2>));
+
+    // Where the soft line break falls, if it does: before the byte that
+    // finds the column past 72. After one, a step cannot reach 72 again.
+    size_t breakBefore = kEncodeStep;
+    for (size_t j = 0; j < kEncodeStep; ++j) {
+      if (wrap && lineColumn > static_cast<uint32_t>(kLineLength) && breakBefore == kEncodeStep) {
+        breakBefore = j;
+        lineColumn = 0;
+      }
+      lineColumn += (escaped >> j) & 1 ? 3 : 1;
+    }
+    const __mmask64 first = kept & FirstBytes(3 * breakBefore);
+    const auto firstCount = static_cast<size_t>(std::popcount(first));
+    _mm512_mask_storeu_epi8(out + made, FirstBytes(firstCount),
+                            _mm512_maskz_compress_epi8(first, laidOut));
+    made += firstCount;
+    if (breakBefore < kEncodeStep) {
+      const __mmask64 second = kept & ~first;
+      out[made] = '=';
+      out[made + 1] = '\r';
+      out[made + 2] = '\n';
+      made += 3;
+      const auto secondCount = static_cast<size_t>(std::popcount(second));
+      _mm512_mask_storeu_epi8(out + made, FirstBytes(secondCount),
+                              _mm512_maskz_compress_epi8(second, laidOut));
+      made += secondCount;
+    }
+    at += kEncodeStep;
+  }
+  *column = lineColumn;
+  *written = made;
+  return at;
+}
 
 size_t QpDecodeTextAvx512(const uint8_t* text, size_t length, size_t room, uint8_t* out,
                           size_t* written, size_t* lastEscape) {
