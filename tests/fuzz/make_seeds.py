@@ -132,6 +132,10 @@ def data_seeds(samples):
         lines = b"\r\n".join(b32[i:i + 72] for i in range(0, len(b32), 72))
         write("base32_kernels_fuzz", "decode%d" % n, bytes([1]) + seed + lines)
         write("base32_kernels_fuzz", "lower%d" % n, bytes([1]) + seed + b32.lower())
+        # base85_kernels: split seed, text (with zero groups as 'z').
+        write("base85_kernels_fuzz", "text%d" % n, seed + base64.a85encode(data[:4096]))
+        write("base85_kernels_fuzz", "zeros%d" % n,
+              seed + base64.a85encode(data[:2048] + bytes(64) + data[2048:4096]))
         # qp_kernels: mode (bit 0 encode, bit 1 wrap), split seed, text or data.
         write("qp_kernels_fuzz", "plain%d" % n, bytes([0]) + seed + binascii.b2a_qp(data[:4096]))
         soft = quopri.encodestring(data[:4096]).replace(b"\n", b"\r\n")

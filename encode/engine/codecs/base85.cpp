@@ -2,6 +2,7 @@
 // delimiters.
 #include <cstring>
 
+#include "codecs/base85_kernels.h"
 #include "codecs/codec_internal.h"
 #include "codecs/radix85.h"
 #include "errors/last_error.h"
@@ -30,8 +31,20 @@ namespace fe::codecs {
 int32_t Base85Decoder::Feed(const char* text, size_t length, uint8_t* out, int64_t capacity) {
   const auto* in = reinterpret_cast<const uint8_t*>(text);
   int64_t count = 0;
+  const auto* kernels = ChosenBase85Kernels();
   for (size_t i = 0; i < length && !full; ++i) {
     const uint8_t c = in[i];
+    // Whole groups of digits at once from a group's start, while they fit.
+    if (kernels != nullptr && digits == 0 && c >= kFirstDigit && c <= kLastDigit) {
+      const size_t groups = kernels->decodeGroups(
+          in + i, length - i, capacity > count ? static_cast<size_t>(capacity - count) / 4 : 0,
+          out + count);
+      if (groups > 0) {
+        i += 5 * groups - 1;
+        count += static_cast<int64_t>(4 * groups);
+        continue;
+      }
+    }
     if (c == 'z') {
       if (digits != 0) return fe::FailWith(fe::kErrorInvalidData);
       if (count + 4 > capacity) {

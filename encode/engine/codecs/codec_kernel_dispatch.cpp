@@ -1,6 +1,7 @@
 // The only place that knows which vector kernels the codecs have.
 #include "codecs/base32_kernels.h"
 #include "codecs/base64_kernels.h"
+#include "codecs/base85_kernels.h"
 #include "codecs/qp_kernels.h"
 #include "codecs/uu_kernels.h"
 #include "codecs/yenc_kernels.h"
@@ -32,6 +33,15 @@ const Base32Kernels* PickBase32Kernels() {
 #ifdef FE_CODECS_X86
   static constexpr Base32Kernels kAvx512{x86::Base32EncodeGroupsAvx512,
                                          x86::Base32DecodeGroupsAvx512};
+  if (cpu::ChosenLevel() >= cpu::Level::kAvx512) return &kAvx512;
+#endif
+  return nullptr;
+}
+
+// Base85's group permutes need VBMI.
+const Base85Kernels* PickBase85Kernels() {
+#ifdef FE_CODECS_X86
+  static constexpr Base85Kernels kAvx512{x86::Base85DecodeGroupsAvx512};
   if (cpu::ChosenLevel() >= cpu::Level::kAvx512) return &kAvx512;
 #endif
   return nullptr;
@@ -73,6 +83,11 @@ const Base64Kernels* ChosenBase64Kernels() {
 
 const Base32Kernels* ChosenBase32Kernels() {
   static const Base32Kernels* const chosen = PickBase32Kernels();
+  return chosen;
+}
+
+const Base85Kernels* ChosenBase85Kernels() {
+  static const Base85Kernels* const chosen = PickBase85Kernels();
   return chosen;
 }
 

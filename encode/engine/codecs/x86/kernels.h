@@ -1,5 +1,6 @@
 // Vector kernels of the codecs. Only the dispatch unit names them, after
 // cpuid; their contracts are those of codecs/base32_kernels.h,
+// codecs/base85_kernels.h,
 // codecs/base64_kernels.h, codecs/qp_kernels.h, codecs/uu_kernels.h and
 // codecs/yenc_kernels.h.
 #pragma once
@@ -9,11 +10,14 @@
 
 #include "codecs/base32_kernels.h"
 #include "codecs/base64_kernels.h"
+#include "codecs/base85_kernels.h"
 #include "codecs/qp_kernels.h"
 #include "codecs/uu_kernels.h"
 #include "codecs/yenc_kernels.h"
 
 namespace fe::codecs::x86 {
+
+size_t Base85DecodeGroupsAvx512(const uint8_t* text, size_t length, size_t maxGroups, uint8_t* out);
 
 size_t Base64EncodeGroupsAvx2(const uint8_t* in, size_t groups, size_t readable, char* out);
 size_t Base64DecodeGroupsAvx2(const uint8_t* text, size_t length, size_t maxGroups,
