@@ -66,14 +66,22 @@ void WriteGroups(const uint8_t* in, size_t groups, size_t readable, char* out) {
     WriteGroup(in + 3 * done, out + 4 * done);
 }
 
+// The state keeps the bytes of the last whole group written, which end at
+// `in`.
+void KeepLastGroup(const uint8_t* in, uint32_t* saved) {
+  saved[0] = in[-3];
+  saved[1] = in[-2];
+  saved[2] = in[-1];
+}
+
 // Wrapped text at a line's end: whole lines, each a CR LF and 18 groups,
 // by the kernel where it has a line loop, while another byte follows the
 // last line and each fits. Returns how many lines it wrote.
 size_t WriteLines(const uint8_t* in, size_t readable, size_t room, char* out) {
-  constexpr size_t kLineBytes = 3 * kLineLength / 4, kLineRoom = kLineLength + 2;
   const auto* kernels = fe::codecs::ChosenBase64Kernels();
   if (kernels == nullptr || kernels->encodeLines == nullptr || readable == 0) return 0;
-  const size_t lines = std::min((readable - 1) / kLineBytes, room / kLineRoom);
+  const size_t lines =
+      std::min((readable - 1) / fe::codecs::kBase64LineBytes, room / fe::codecs::kBase64LineRoom);
   if (lines > 0) kernels->encodeLines(in, lines, readable, out);
   return lines;
 }
@@ -252,11 +260,9 @@ int32_t Base64EncodeChunk(const uint8_t* input, int32_t length, char* output, in
               WriteLines(in, static_cast<size_t>(end - in), static_cast<size_t>(capacity - written),
                          output + written);
           if (lines > 0) {  // each ends a line again
-            in += 3 * kLineLength / 4 * lines;
-            written += static_cast<int32_t>((kLineLength + 2) * lines);
-            saved[0] = in[-3];
-            saved[1] = in[-2];
-            saved[2] = in[-1];
+            in += fe::codecs::kBase64LineBytes * lines;
+            written += static_cast<int32_t>(fe::codecs::kBase64LineRoom * lines);
+            KeepLastGroup(in, saved);
             continue;
           }
           output[written++] = '\r';
@@ -268,9 +274,7 @@ int32_t Base64EncodeChunk(const uint8_t* input, int32_t length, char* output, in
                                         GroupsBeforeBreak(wrap, column)});
         WriteGroups(in, groups, static_cast<size_t>(end - in), output + written);
         in += 3 * groups;
-        saved[0] = in[-3];
-        saved[1] = in[-2];
-        saved[2] = in[-1];
+        KeepLastGroup(in, saved);
         written += static_cast<int32_t>(4 * groups);
         column += static_cast<uint32_t>(4 * groups);
       }

@@ -8,6 +8,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "codecs/codec_internal.h"
+
 namespace fe::codecs {
 
 // The characters outside the alphabet that decoding passes over: those it
@@ -18,13 +20,18 @@ struct Base64Skips {
   const bool* anywhere;
 };
 
+// A wrapped line as the line loop writes it: the CR LF that ends the line
+// before, then the characters of its bytes.
+inline constexpr size_t kBase64LineBytes = kLineLength / 4 * 3;
+inline constexpr size_t kBase64LineRoom = 2 + kLineLength;
+
 struct Base64Kernels {
   // Writes four characters for each of the first `groups` 3-byte groups of
   // `in`, reading no byte at or past in + readable (readable >= 3 * groups).
   // Returns how many leading groups it wrote; the caller writes the rest.
   size_t (*encodeGroups)(const uint8_t* in, size_t groups, size_t readable, char* out);
   // Wrapped text from a line's end on: writes `lines` times a CR LF and a
-  // whole line (18 groups, 54 bytes) of `in`, reading no byte at or past
+  // whole line (kBase64LineBytes) of `in`, reading no byte at or past
   // in + readable. Null where the kernel has none; the groups path serves.
   void (*encodeLines)(const uint8_t* in, size_t lines, size_t readable, char* out);
   // Decodes whole groups of alphabet characters from the `length`

@@ -76,12 +76,11 @@ size_t Base64EncodeGroupsAvx512(const uint8_t* in, size_t groups, size_t readabl
 void Base64EncodeLinesAvx512(const uint8_t* in, size_t lines, size_t readable, char* out) {
   // A line is a whole step and the step that ends with its last group
   // (groups 2-17), stored over the first one's last eight characters.
-  constexpr size_t kLineBytes = 54, kLineRoom = 74;
   const Encoder encode;
   const uint8_t* const readableEnd = in + readable;
   for (size_t line = 0; line < lines; ++line) {
-    const uint8_t* from = in + kLineBytes * line;
-    char* to = out + kLineRoom * line;
+    const uint8_t* from = in + kBase64LineBytes * line;
+    char* to = out + kBase64LineRoom * line;
     to[0] = '\r';
     to[1] = '\n';
     _mm512_storeu_si512(to + 2, encode(LoadStep(from, readableEnd)));
