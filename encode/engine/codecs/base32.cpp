@@ -186,6 +186,8 @@ int32_t Base32DecodeChunk(const char* text, int32_t length, uint8_t* output, int
       if (groups > 0) {
         i += static_cast<int32_t>(8 * groups) - 1;
         count += static_cast<int32_t>(5 * groups);
+        // As after the fifth byte of a group: stale bits a caller's state
+        // may carry are gone.
         state->accumulator = 0;
         continue;
       }

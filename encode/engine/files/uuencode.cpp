@@ -39,20 +39,24 @@ void EncodeGroups(const uint8_t* in, size_t groups, char* out) {
   }
 }
 
+// The three bytes of one group of four characters.
+void DecodeGroup(const uint8_t* text, uint8_t* out) {
+  uint8_t v[4];
+  for (size_t k = 0; k < 4; ++k)
+    v[k] = static_cast<uint8_t>((text[k] - 32) & 63);
+  out[0] = static_cast<uint8_t>((v[0] << 2) | (v[1] >> 4));
+  out[1] = static_cast<uint8_t>((v[1] << 4) | (v[2] >> 2));
+  out[2] = static_cast<uint8_t>((v[2] << 6) | v[3]);
+}
+
 // The bytes of `groups` whole groups of four characters.
 void DecodeGroups(const uint8_t* text, size_t groups, uint8_t* out) {
   if (const auto* kernels = fe::codecs::ChosenUuKernels()) {
     kernels->decodeGroups(text, groups, out);
     return;
   }
-  for (size_t group = 0; group < groups; ++group, text += 4, out += 3) {
-    uint8_t v[4];
-    for (size_t k = 0; k < 4; ++k)
-      v[k] = static_cast<uint8_t>((text[k] - 32) & 63);
-    out[0] = static_cast<uint8_t>((v[0] << 2) | (v[1] >> 4));
-    out[1] = static_cast<uint8_t>((v[1] << 4) | (v[2] >> 2));
-    out[2] = static_cast<uint8_t>((v[2] << 6) | v[3]);
-  }
+  for (size_t group = 0; group < groups; ++group)
+    DecodeGroup(text + 4 * group, out + 3 * group);
 }
 
 // Lines of the file by position: the line at an offset is the first line
@@ -233,14 +237,16 @@ int UudecodeFile(const char* inputName, const char* outputName) {
         n -= static_cast<int>(3 * whole);
         continue;
       }
-      // A short last group, or one past the line's characters (read as 0).
-      uint8_t v[4];
-      for (size_t k = 0; k < 4; ++k) {
-        v[k] = at + k < length ? static_cast<uint8_t>((c[at + k] - 32) & 63) : 0;
-      }
-      bytes[used++] = static_cast<uint8_t>((v[0] << 2) | (v[1] >> 4));
-      if (n > 1) bytes[used++] = static_cast<uint8_t>((v[1] << 4) | (v[2] >> 2));
-      if (n > 2) bytes[used++] = static_cast<uint8_t>((v[2] << 6) | v[3]);
+      // A short last group, or one past the line's characters: missing
+      // characters read as 0 (a space).
+      uint8_t group[4] = {' ', ' ', ' ', ' '};
+      for (size_t k = 0; k < 4 && at + k < length; ++k)
+        group[k] = c[at + k];
+      uint8_t three[3];
+      DecodeGroup(group, three);
+      const auto take = static_cast<size_t>(std::min(n, 3));
+      std::memcpy(bytes + used, three, take);
+      used += take;
       at += 4;
       n -= 3;
     }
