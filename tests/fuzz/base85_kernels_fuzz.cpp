@@ -1,13 +1,16 @@
-// The Base85 decoder as this processor runs it (the vector kernel where it
-// has one) against the one-character-at-a-time reference: every count,
+// The Base85 coders as this processor runs them (the vector kernels where
+// it has them) against the one-group-at-a-time references: every count,
 // output byte and state field identical, over splits and capacities the
-// input chooses. Choice bytes: a seed for the splits; the rest is the text.
+// input chooses. Choice bytes: a seed for the splits and the encoder's
+// capacity; the rest is the text to decode and, as bytes, the data to
+// encode.
 #include <random>
 #include <string>
 #include <vector>
 
 #include "chunk_differential.h"
 #include "codecs/codec_internal.h"
+#include "file_encoder.h"
 #include "fuzz_input.h"
 #include "reference/base85_reference.h"
 
@@ -41,5 +44,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         return a.fast.value == b.plain.value && a.fast.digits == b.plain.digits &&
                a.fast.full == b.plain.full;
       });
+  // Room for every group, or a stop anywhere before it.
+  const auto room = static_cast<int32_t>(5 * ((rest.size() + 3) / 4) + 1);
+  const int32_t capacity = random() % 2 ? room : 1 + static_cast<int32_t>(random() % room);
+  std::vector<char> fast(static_cast<size_t>(capacity) + 8, 'x'), plain = fast;
+  const auto length = static_cast<int32_t>(rest.size());
+  fe::fuzz::Check(Base85Encode(rest.data(), length, fast.data(), capacity) ==
+                  fe::reference::Base85Encode(rest.data(), length, plain.data(), capacity));
+  fe::fuzz::Check(fast == plain);
   return 0;
 }

@@ -55,6 +55,17 @@ def yenc_parts(data, split):
     return bytes(out)
 
 
+Z85 = b"0123456789abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ.-:+=^!/*?&<>()[]{}@%$#"
+
+
+def z85(data):
+    out = bytearray()
+    for i in range(0, len(data) - len(data) % 4, 4):
+        value = struct.unpack(">I", data[i:i + 4])[0]
+        out += bytes(Z85[value // 85 ** k % 85] for k in range(4, -1, -1))
+    return bytes(out)
+
+
 def uu(data):
     out = bytearray(b"begin 644 seed.bin\r\n")
     for i in range(0, len(data), 45):
@@ -136,6 +147,9 @@ def data_seeds(samples):
         write("base85_kernels_fuzz", "text%d" % n, seed + base64.a85encode(data[:4096]))
         write("base85_kernels_fuzz", "zeros%d" % n,
               seed + base64.a85encode(data[:2048] + bytes(64) + data[2048:4096]))
+        # z85_kernels: mode (bit 0 decode), capacity seed, data or text.
+        write("z85_kernels_fuzz", "encode%d" % n, bytes([0]) + seed + data[:4096])
+        write("z85_kernels_fuzz", "decode%d" % n, bytes([1]) + seed + z85(data[:4096]))
         # qp_kernels: mode (bit 0 encode, bit 1 wrap), split seed, text or data.
         write("qp_kernels_fuzz", "plain%d" % n, bytes([0]) + seed + binascii.b2a_qp(data[:4096]))
         soft = quopri.encodestring(data[:4096]).replace(b"\n", b"\r\n")

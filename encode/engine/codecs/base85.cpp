@@ -1,5 +1,6 @@
 // Base85 in the Ascii85 manner: '!' + digit, 'z' for an all-zero group, no
 // delimiters.
+#include <algorithm>
 #include <cstring>
 
 #include "codecs/base85_kernels.h"
@@ -96,6 +97,13 @@ int32_t Base85Encode(const uint8_t* input, int32_t length, char* output, int32_t
   if (input == nullptr || length < 1) return fe::FailWith(fe::kErrorInvalidParameter);
   int64_t count = 0;
   int32_t i = 0;
+  // The groups that fit whatever their values (five characters each) go
+  // to the kernel at once.
+  if (const auto* kernels = ChosenBase85Kernels(); kernels != nullptr) {
+    const int32_t groups = std::min(length / 4, capacity / 5);
+    count = static_cast<int64_t>(kernels->encodeGroups(input, static_cast<size_t>(groups), output));
+    i = 4 * groups;
+  }
   // Groups that no longer fit are left out without an error as long as the
   // terminator still fits: callers size the buffer from the input.
   for (; length - i >= 4 && count + 5 <= capacity; i += 4) {

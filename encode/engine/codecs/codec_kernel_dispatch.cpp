@@ -38,10 +38,12 @@ const Base32Kernels* PickBase32Kernels() {
   return nullptr;
 }
 
-// Base85's group permutes need VBMI.
+// Base85's group permutes need VBMI, its 'z' squeeze VBMI2.
 const Base85Kernels* PickBase85Kernels() {
 #ifdef FE_CODECS_X86
-  static constexpr Base85Kernels kAvx512{x86::Base85DecodeGroupsAvx512};
+  static constexpr Base85Kernels kAvx512{x86::Base85DecodeGroupsAvx512,
+                                         x86::Base85EncodeGroupsAvx512, x86::Z85DecodeGroupsAvx512,
+                                         x86::Z85EncodeGroupsAvx512};
   if (cpu::ChosenLevel() >= cpu::Level::kAvx512) return &kAvx512;
 #endif
   return nullptr;

@@ -1,9 +1,10 @@
 // Z85: whole 4-byte groups to five characters, no shorthand.
-#include <array>
+#include <algorithm>
 #include <cstring>
 
-#include "codecs/codec_internal.h"
+#include "codecs/base85_kernels.h"
 #include "codecs/radix85.h"
+#include "codecs/z85_alphabet.h"
 #include "errors/last_error.h"
 #include "errors/system_errors.h"
 #include "file_encoder.h"
@@ -11,12 +12,6 @@
 namespace {
 
 using namespace fe::codecs;
-
-constexpr char kAlphabet[] =
-    "0123456789abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ.-:+=^!/*?&<>()[]{}@%$#";
-constexpr uint8_t kNotInAlphabet = 0xFF;
-
-constexpr auto kValueOf = InverseAlphabet(kAlphabet, kNotInAlphabet);
 
 }  // namespace
 
@@ -28,11 +23,18 @@ int32_t Z85Encode(const uint8_t* input, int32_t length, char* output, int32_t ca
   if (input == nullptr || length < 1) return fe::FailWith(fe::kErrorInvalidParameter);
   if (length % 4 != 0) return -1;  // no code of its own: callers check the length
   int64_t count = 0;
-  for (int32_t i = 0; i < length && count + 5 <= capacity; i += 4) {
+  int32_t i = 0;
+  if (const auto* kernels = ChosenBase85Kernels(); kernels != nullptr) {
+    const int32_t groups = std::min(length / 4, capacity / 5);
+    kernels->encodeZ85Groups(input, static_cast<size_t>(groups), output);
+    count = 5 * int64_t{groups};
+    i = 4 * groups;
+  }
+  for (; i < length && count + 5 <= capacity; i += 4) {
     uint8_t digits[5];
     SplitBase85(ReadBigEndian32(input + i), digits);
     for (int k = 0; k < 5; ++k)
-      output[count + k] = kAlphabet[digits[k]];
+      output[count + k] = kZ85Alphabet[digits[k]];
     count += 5;
   }
   if (count >= capacity) return -1;
@@ -47,11 +49,20 @@ int32_t Z85Decode(const char* text, uint8_t* output, int32_t capacity) {
   }
   const auto* in = reinterpret_cast<const uint8_t*>(text);
   int64_t count = 0;
-  for (size_t i = 0; i < length && count + 4 <= capacity; i += 5) {
+  size_t i = 0;
+  // Whole groups up to the first character outside the alphabet at once;
+  // the loop below then reports that one.
+  if (const auto* kernels = ChosenBase85Kernels(); kernels != nullptr) {
+    const size_t groups =
+        kernels->decodeZ85Groups(in, length, static_cast<size_t>(capacity) / 4, output);
+    count = static_cast<int64_t>(4 * groups);
+    i = 5 * groups;
+  }
+  for (; i < length && count + 4 <= capacity; i += 5) {
     uint32_t value = 0;
     for (int k = 0; k < 5; ++k) {
-      const uint8_t digit = kValueOf[in[i + k]];
-      if (digit == kNotInAlphabet) return -1;
+      const uint8_t digit = kZ85ValueOf[in[i + k]];
+      if (digit == kZ85NotInAlphabet) return -1;
       value = value * 85 + digit;
     }
     WriteBigEndian32(value, output + count);

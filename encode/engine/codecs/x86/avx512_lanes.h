@@ -11,6 +11,7 @@ namespace fe::codecs::x86 {
 
 inline constexpr __mmask64 kAllLanes = ~__mmask64{0};
 inline constexpr __mmask32 kAllWords = ~__mmask32{0};
+inline constexpr __mmask8 kAllQwords = 0xFF;
 
 // The mask of the first `count` byte lanes.
 inline __mmask64 FirstBytes(size_t count) {

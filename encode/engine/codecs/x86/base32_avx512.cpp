@@ -22,7 +22,6 @@ using Table64 = std::array<uint8_t, 64>;
 
 constexpr size_t kStepGroups = 8;  // 40 bytes, 64 characters
 constexpr uint8_t kOutside = 0x80;
-constexpr __mmask8 kAllQwords = 0xFF;
 
 // Lane g takes the bytes of group g in reverse, so that the group reads as
 // one number; its three upper bytes are never looked at.

@@ -18,6 +18,9 @@
 namespace fe::codecs::x86 {
 
 size_t Base85DecodeGroupsAvx512(const uint8_t* text, size_t length, size_t maxGroups, uint8_t* out);
+size_t Base85EncodeGroupsAvx512(const uint8_t* in, size_t groups, char* out);
+size_t Z85DecodeGroupsAvx512(const uint8_t* text, size_t length, size_t maxGroups, uint8_t* out);
+void Z85EncodeGroupsAvx512(const uint8_t* in, size_t groups, char* out);
 
 size_t Base64EncodeGroupsAvx2(const uint8_t* in, size_t groups, size_t readable, char* out);
 size_t Base64DecodeGroupsAvx2(const uint8_t* text, size_t length, size_t maxGroups,
