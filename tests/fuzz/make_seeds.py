@@ -147,6 +147,10 @@ def data_seeds(samples):
         write("base85_kernels_fuzz", "text%d" % n, seed + base64.a85encode(data[:4096]))
         write("base85_kernels_fuzz", "zeros%d" % n,
               seed + base64.a85encode(data[:2048] + bytes(64) + data[2048:4096]))
+        # url_kernels: mode (bit 0 decode), capacity seed, data or text.
+        write("url_kernels_fuzz", "encode%d" % n, bytes([0]) + seed + data[:4096])
+        quoted = urllib.parse.quote_from_bytes(data[:4096], safe="").encode()
+        write("url_kernels_fuzz", "decode%d" % n, bytes([1]) + seed + quoted)
         # z85_kernels: mode (bit 0 decode), capacity seed, data or text.
         write("z85_kernels_fuzz", "encode%d" % n, bytes([0]) + seed + data[:4096])
         write("z85_kernels_fuzz", "decode%d" % n, bytes([1]) + seed + z85(data[:4096]))

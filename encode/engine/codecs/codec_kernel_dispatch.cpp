@@ -3,6 +3,7 @@
 #include "codecs/base64_kernels.h"
 #include "codecs/base85_kernels.h"
 #include "codecs/qp_kernels.h"
+#include "codecs/url_kernels.h"
 #include "codecs/uu_kernels.h"
 #include "codecs/yenc_kernels.h"
 #include "cpu/cpu_level.h"
@@ -58,6 +59,15 @@ const QpKernels* PickQpKernels() {
   return nullptr;
 }
 
+// URL escaping squeezes with VBMI2, as quoted-printable does.
+const UrlKernels* PickUrlKernels() {
+#ifdef FE_CODECS_X86
+  static constexpr UrlKernels kAvx512{x86::UrlEncodeBytesAvx512, x86::UrlDecodeTextAvx512};
+  if (cpu::ChosenLevel() >= cpu::Level::kAvx512) return &kAvx512;
+#endif
+  return nullptr;
+}
+
 // uuencode shares Base64's sextet steps, which need VBMI.
 const UuKernels* PickUuKernels() {
 #ifdef FE_CODECS_X86
@@ -95,6 +105,11 @@ const Base85Kernels* ChosenBase85Kernels() {
 
 const QpKernels* ChosenQpKernels() {
   static const QpKernels* const chosen = PickQpKernels();
+  return chosen;
+}
+
+const UrlKernels* ChosenUrlKernels() {
+  static const UrlKernels* const chosen = PickUrlKernels();
   return chosen;
 }
 

@@ -1,28 +1,15 @@
 // URL percent-encoding and decoding.
-#include <array>
 #include <cstring>
 
 #include "codecs/codec_internal.h"
 #include "codecs/hex_digits.h"
+#include "codecs/url_escapes.h"
+#include "codecs/url_kernels.h"
 #include "file_encoder.h"
 
 namespace {
 
 using namespace fe::codecs;
-
-// Only letters, digits and '~' stay as they are: '-', '.' and '_' are
-// escaped too, stricter than the usual unreserved set, as callers expect.
-constexpr auto kUnescaped = [] {
-  std::array<bool, 256> table{};
-  for (int c = '0'; c <= '9'; ++c)
-    table[c] = true;
-  for (int c = 'A'; c <= 'Z'; ++c)
-    table[c] = true;
-  for (int c = 'a'; c <= 'z'; ++c)
-    table[c] = true;
-  table['~'] = true;
-  return table;
-}();
 
 // Length -1 stands for the string length; other negative lengths are invalid.
 int64_t ResolveLength(const char* text, int32_t length) {
@@ -39,10 +26,18 @@ int32_t UrlEncodeInto(const uint8_t* input, int32_t length, char* output, int32_
   const int64_t total = ResolveLength(reinterpret_cast<const char*>(input), length);
   if (total < 0) return -1;
   int64_t count = 0;
-  for (int64_t i = 0; i < total; ++i) {
+  int64_t i = 0;
+  // The bulk far from the capacity, where no byte can fail for room.
+  if (const auto* kernels = ChosenUrlKernels(); kernels != nullptr) {
+    size_t written = 0;
+    i = static_cast<int64_t>(kernels->encodeBytes(input, static_cast<size_t>(total),
+                                                  static_cast<size_t>(capacity), output, &written));
+    count = static_cast<int64_t>(written);
+  }
+  for (; i < total; ++i) {
     if (count >= capacity) return -1;
     const uint8_t c = input[i];
-    if (kUnescaped[c]) {
+    if (kUrlWrittenAsIs[c]) {
       output[count++] = static_cast<char>(c);
     } else {
       // Three characters and the terminator must fit: never a cut escape.
@@ -64,7 +59,19 @@ int32_t UrlDecodeInto(const char* text, int32_t length, uint8_t* output, int32_t
   if (left < 0) return -1;
   const auto* in = reinterpret_cast<const uint8_t*>(text);
   int64_t count = 0;
+  const auto* kernels = ChosenUrlKernels();
   while (left > 0) {
+    // Plain text and escapes at once, up to a '+' or near the capacity.
+    if (kernels != nullptr) {
+      size_t written = 0;
+      const size_t taken =
+          kernels->decodeText(in, static_cast<size_t>(left), static_cast<size_t>(capacity - count),
+                              output + count, &written);
+      in += taken;
+      left -= static_cast<int64_t>(taken);
+      count += static_cast<int64_t>(written);
+      if (left == 0) break;
+    }
     if (count >= capacity) return -1;
     const uint8_t c = *in;
     if (c == '%' && left > 2 && kHexValue[in[1]] != kNotHex && kHexValue[in[2]] != kNotHex) {
@@ -74,8 +81,10 @@ int32_t UrlDecodeInto(const char* text, int32_t length, uint8_t* output, int32_t
     } else if (c == '+') {
       // A '+' becomes a space without moving past it, so it and everything
       // after it read as spaces: existing callers depend on this.
-      output[count++] = ' ';
-      --left;
+      for (; left > 0; --left) {
+        if (count >= capacity) return -1;
+        output[count++] = ' ';
+      }
     } else {
       output[count++] = c;
       ++in;

@@ -1,8 +1,8 @@
 // Vector kernels of the codecs. Only the dispatch unit names them, after
 // cpuid; their contracts are those of codecs/base32_kernels.h,
 // codecs/base85_kernels.h,
-// codecs/base64_kernels.h, codecs/qp_kernels.h, codecs/uu_kernels.h and
-// codecs/yenc_kernels.h.
+// codecs/base64_kernels.h, codecs/qp_kernels.h, codecs/url_kernels.h,
+// codecs/uu_kernels.h and codecs/yenc_kernels.h.
 #pragma once
 
 #include <cstddef>
@@ -12,6 +12,7 @@
 #include "codecs/base64_kernels.h"
 #include "codecs/base85_kernels.h"
 #include "codecs/qp_kernels.h"
+#include "codecs/url_kernels.h"
 #include "codecs/uu_kernels.h"
 #include "codecs/yenc_kernels.h"
 
@@ -38,6 +39,11 @@ size_t QpEncodeBytesAvx512(const uint8_t* in, size_t length, bool wrap, size_t r
                            uint32_t* column, size_t* written);
 size_t QpDecodeTextAvx512(const uint8_t* text, size_t length, size_t room, uint8_t* out,
                           size_t* written, size_t* lastEscape);
+
+size_t UrlEncodeBytesAvx512(const uint8_t* in, size_t length, size_t room, char* out,
+                            size_t* written);
+size_t UrlDecodeTextAvx512(const uint8_t* text, size_t length, size_t room, uint8_t* out,
+                           size_t* written);
 
 void UuEncodeGroupsAvx512(const uint8_t* in, size_t groups, char* out);
 void UuDecodeGroupsAvx512(const uint8_t* text, size_t groups, uint8_t* out);

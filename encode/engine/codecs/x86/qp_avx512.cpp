@@ -15,9 +15,9 @@
 #include <cstdint>
 
 #include "codecs/codec_internal.h"
-#include "codecs/hex_digits.h"
 #include "codecs/qp_escapes.h"
 #include "codecs/x86/avx512_lanes.h"
+#include "codecs/x86/hex_escapes_avx512.h"
 #include "codecs/x86/kernels.h"
 
 namespace fe::codecs::x86 {
@@ -25,33 +25,6 @@ namespace fe::codecs::x86 {
 namespace {
 
 using Table64 = std::array<uint8_t, 64>;
-
-// Hex values of the characters below 128 (0x80 for the rest), low and high
-// halves.
-template <int kHalf>
-constexpr Table64 kHexDigits = [] {
-  Table64 table{};
-  for (int i = 0; i < 64; ++i) {
-    const uint8_t value = kHexValue[64 * kHalf + i];
-    table[i] = value == kNotHex ? 0x80 : value;
-  }
-  return table;
-}();
-
-// Lane i takes lane i + kAhead (wrapping; the wrapped lanes are never used).
-template <int kAhead>
-constexpr Table64 kLanesAhead = [] {
-  Table64 table{};
-  for (int i = 0; i < 64; ++i)
-    table[i] = static_cast<uint8_t>((i + kAhead) % 64);
-  return table;
-}();
-
-__m512i Load(const Table64& table) {
-  return _mm512_loadu_si512(table.data());
-}
-
-constexpr size_t kEncodeStep = 16;
 
 // 0x80 for the bytes below 128 that are escaped; every byte from 128 up is.
 template <int kHalf>
@@ -62,29 +35,9 @@ constexpr Table64 kEscaped = [] {
   return table;
 }();
 
-// Place p holds byte p / 3 of the step.
-constexpr Table64 kPlaces = [] {
-  Table64 table{};
-  for (int p = 0; p < 64; ++p)
-    table[p] = static_cast<uint8_t>(std::min(p / 3, 15));
-  return table;
-}();
-
-// The places of kind k (0 the '=' or the byte, 1 the high digit, 2 the low).
-template <int kKind>
-constexpr uint64_t kPlacesOfKind = [] {
-  uint64_t mask = 0;
-  for (int p = kKind; p < 48; p += 3)
-    mask |= uint64_t{1} << p;
-  return mask;
-}();
-
-constexpr Table64 kHexCharacters = [] {
-  Table64 table{};
-  for (int i = 0; i < 64; ++i)
-    table[i] = static_cast<uint8_t>(kUpperHexDigits[i % 16]);
-  return table;
-}();
+__m512i Load(const Table64& table) {
+  return _mm512_loadu_si512(table.data());
+}
 
 }  // namespace
 
@@ -92,14 +45,11 @@ size_t QpEncodeBytesAvx512(const uint8_t* in, size_t length, bool wrap, size_t r
                            uint32_t* column, size_t* written) {
   const __m512i escapedLow = Load(kEscaped<0>);
   const __m512i escapedHigh = Load(kEscaped<1>);
-  const __m512i places = Load(kPlaces);
-  const __m512i hexCharacters = Load(kHexCharacters);
-  const __m512i lowNibble = _mm512_set1_epi8(15);
   size_t at = 0, made = 0;
   uint32_t lineColumn = *column;
-  while (length - at >= kEncodeStep && room - made >= kQpEncodeStepRoom) {
+  while (length - at >= kEscapeStep && room - made >= kQpEncodeStepRoom) {
     // The byte after the step decides whether its last blank is escaped.
-    const __mmask64 present = FirstBytes(std::min(length - at, kEncodeStep + 1));
+    const __mmask64 present = FirstBytes(std::min(length - at, kEscapeStep + 1));
     const __m512i bytes = _mm512_maskz_loadu_epi8(present, in + at);
     const __mmask64 blanks = _mm512_cmpeq_epi8_mask(bytes, _mm512_set1_epi8(' ')) |
                              _mm512_cmpeq_epi8_mask(bytes, _mm512_set1_epi8('\t'));
@@ -108,46 +58,35 @@ size_t QpEncodeBytesAvx512(const uint8_t* in, size_t length, bool wrap, size_t r
         _mm512_or_si512(_mm512_permutex2var_epi8(escapedLow, bytes, escapedHigh), bytes));
     const auto escaped = static_cast<uint32_t>((listed | (blanks & (returns >> 1))) & 0xFFFF);
 
-    const __m512i spread = Permute(places, bytes);
-    const __m512i high = Permute(
-        _mm512_and_si512(_mm512_maskz_srli_epi16(kAllWords, spread, 4), lowNibble), hexCharacters);
-    const __m512i low = Permute(_mm512_and_si512(spread, lowNibble), hexCharacters);
-    const __mmask64 escapedPlaces =
-        _mm512_movepi8_mask(Permute(places, _mm512_movm_epi8(escaped))) & FirstBytes(48);
-    __m512i laidOut = _mm512_mask_mov_epi8(spread, kPlacesOfKind<1>, high);
-    laidOut = _mm512_mask_mov_epi8(laidOut, kPlacesOfKind<2>, low);
-    laidOut =
-        _mm512_mask_mov_epi8(laidOut, kPlacesOfKind<0> & escapedPlaces, _mm512_set1_epi8('='));
-    const __mmask64 kept =
-        kPlacesOfKind<0> | (escapedPlaces & (kPlacesOfKind<1> | kPlacesOfKind<2>));
+    const LaidOutEscapes laidOut = LayOutEscapes(bytes, escaped, '=');
 
     // Where the soft line break falls, if it does: before the byte that
     // finds the column past 72. After one, a step cannot reach 72 again.
-    size_t breakBefore = kEncodeStep;
-    for (size_t j = 0; j < kEncodeStep; ++j) {
-      if (wrap && lineColumn > static_cast<uint32_t>(kLineLength) && breakBefore == kEncodeStep) {
+    size_t breakBefore = kEscapeStep;
+    for (size_t j = 0; j < kEscapeStep; ++j) {
+      if (wrap && lineColumn > static_cast<uint32_t>(kLineLength) && breakBefore == kEscapeStep) {
         breakBefore = j;
         lineColumn = 0;
       }
       lineColumn += (escaped >> j) & 1 ? 3 : 1;
     }
-    const __mmask64 first = kept & FirstBytes(3 * breakBefore);
+    const __mmask64 first = laidOut.kept & FirstBytes(3 * breakBefore);
     const auto firstCount = static_cast<size_t>(std::popcount(first));
     _mm512_mask_storeu_epi8(out + made, FirstBytes(firstCount),
-                            _mm512_maskz_compress_epi8(first, laidOut));
+                            _mm512_maskz_compress_epi8(first, laidOut.places));
     made += firstCount;
-    if (breakBefore < kEncodeStep) {
-      const __mmask64 second = kept & ~first;
+    if (breakBefore < kEscapeStep) {
+      const __mmask64 second = laidOut.kept & ~first;
       out[made] = '=';
       out[made + 1] = '\r';
       out[made + 2] = '\n';
       made += 3;
       const auto secondCount = static_cast<size_t>(std::popcount(second));
       _mm512_mask_storeu_epi8(out + made, FirstBytes(secondCount),
-                              _mm512_maskz_compress_epi8(second, laidOut));
+                              _mm512_maskz_compress_epi8(second, laidOut.places));
       made += secondCount;
     }
-    at += kEncodeStep;
+    at += kEscapeStep;
   }
   *column = lineColumn;
   *written = made;
@@ -156,11 +95,6 @@ size_t QpEncodeBytesAvx512(const uint8_t* in, size_t length, bool wrap, size_t r
 
 size_t QpDecodeTextAvx512(const uint8_t* text, size_t length, size_t room, uint8_t* out,
                           size_t* written, size_t* lastEscape) {
-  const __m512i hexLow = Load(kHexDigits<0>);
-  const __m512i hexHigh = Load(kHexDigits<1>);
-  const __m512i ahead1 = Load(kLanesAhead<1>);
-  const __m512i ahead2 = Load(kLanesAhead<2>);
-  const __m512i lowNibble = _mm512_set1_epi8(15);
   size_t at = 0, made = 0;
   *lastEscape = SIZE_MAX;
   while (at < length) {
@@ -169,9 +103,8 @@ size_t QpDecodeTextAvx512(const uint8_t* text, size_t length, size_t room, uint8
     const __m512i chars =
         n == 64 ? _mm512_loadu_si512(text + at) : _mm512_maskz_loadu_epi8(present, text + at);
     const __mmask64 equals = _mm512_cmpeq_epi8_mask(chars, _mm512_set1_epi8('=')) & present;
-    const __m512i values = _mm512_permutex2var_epi8(hexLow, chars, hexHigh);
-    // Characters from 0x80 up have the top bit themselves.
-    const __mmask64 hex = ~_mm512_movepi8_mask(_mm512_or_si512(values, chars)) & present;
+    const __m512i values = HexValuesOf(chars);
+    const __mmask64 hex = ~_mm512_movepi8_mask(values) & present;
     const __mmask64 lineEnds = (_mm512_cmpeq_epi8_mask(chars, _mm512_set1_epi8('\r')) |
                                 _mm512_cmpeq_epi8_mask(chars, _mm512_set1_epi8('\n'))) &
                                present;
@@ -187,10 +120,7 @@ size_t QpDecodeTextAvx512(const uint8_t* text, size_t length, size_t room, uint8
         FirstBytes(taken) & ~(breaks | ((escapes | breaks) << 1) | ((escapes | breaks) << 2));
     const auto count = static_cast<size_t>(std::popcount(kept));
     if (made + count >= room) break;
-    const __m512i high = _mm512_and_si512(Permute(ahead1, values), lowNibble);
-    const __m512i low = _mm512_and_si512(Permute(ahead2, values), lowNibble);
-    const __m512i bytes = _mm512_or_si512(_mm512_maskz_slli_epi16(kAllWords, high, 4), low);
-    const __m512i decoded = _mm512_mask_mov_epi8(chars, escapes, bytes);
+    const __m512i decoded = _mm512_mask_mov_epi8(chars, escapes, EscapedBytes(values));
     _mm512_mask_storeu_epi8(out + made, FirstBytes(count),
                             _mm512_maskz_compress_epi8(kept, decoded));
     if (escapes != 0) *lastEscape = at + 63 - static_cast<size_t>(std::countl_zero(escapes));
