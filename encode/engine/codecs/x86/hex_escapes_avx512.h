@@ -78,26 +78,33 @@ struct LaidOutEscapes {
   __mmask64 kept;  // the places the bytes need
 };
 
-// The first 16 of `bytes` three places each: those whose bit is set in
-// `escaped` as `escape` and two upper-case hex digits, the rest as
-// themselves alone.
-inline LaidOutEscapes LayOutEscapes(__m512i bytes, uint32_t escaped, char escape) {
-  using namespace hex_escapes;
-  const __m512i places = Load(kPlaces);
-  const __m512i hexCharacters = Load(kHexCharacters);
-  const __m512i lowNibble = _mm512_set1_epi8(15);
-  const __m512i spread = Permute(places, bytes);
-  const __m512i high = Permute(
-      _mm512_and_si512(_mm512_maskz_srli_epi16(kAllWords, spread, 4), lowNibble), hexCharacters);
-  const __m512i low = Permute(_mm512_and_si512(spread, lowNibble), hexCharacters);
-  const __mmask64 escapedPlaces =
-      _mm512_movepi8_mask(Permute(places, _mm512_movm_epi8(escaped))) & FirstBytes(48);
-  __m512i laidOut = _mm512_mask_mov_epi8(spread, kPlacesOfKind<1>, high);
-  laidOut = _mm512_mask_mov_epi8(laidOut, kPlacesOfKind<2>, low);
-  laidOut =
-      _mm512_mask_mov_epi8(laidOut, kPlacesOfKind<0> & escapedPlaces, _mm512_set1_epi8(escape));
-  return {laidOut, kPlacesOfKind<0> | (escapedPlaces & (kPlacesOfKind<1> | kPlacesOfKind<2>))};
-}
+// Lays out the first 16 of `bytes` three places each: those whose bit is
+// set in `escaped` as `escape` and two upper-case hex digits, the rest as
+// themselves alone. Built once before a loop, so the tables stay loaded.
+class EscapeLayout {
+ public:
+  explicit EscapeLayout(char escape) : escape_(_mm512_set1_epi8(escape)) {}
+
+  LaidOutEscapes operator()(__m512i bytes, uint32_t escaped) const {
+    using hex_escapes::kPlacesOfKind;
+    const __m512i spread = Permute(places_, bytes);
+    const __m512i high =
+        Permute(_mm512_and_si512(_mm512_maskz_srli_epi16(kAllWords, spread, 4), lowNibble_), hex_);
+    const __m512i low = Permute(_mm512_and_si512(spread, lowNibble_), hex_);
+    const __mmask64 escapedPlaces =
+        _mm512_movepi8_mask(Permute(places_, _mm512_movm_epi8(escaped))) & FirstBytes(48);
+    __m512i laidOut = _mm512_mask_mov_epi8(spread, kPlacesOfKind<1>, high);
+    laidOut = _mm512_mask_mov_epi8(laidOut, kPlacesOfKind<2>, low);
+    laidOut = _mm512_mask_mov_epi8(laidOut, kPlacesOfKind<0> & escapedPlaces, escape_);
+    return {laidOut, kPlacesOfKind<0> | (escapedPlaces & (kPlacesOfKind<1> | kPlacesOfKind<2>))};
+  }
+
+ private:
+  __m512i places_ = hex_escapes::Load(hex_escapes::kPlaces);
+  __m512i hex_ = hex_escapes::Load(hex_escapes::kHexCharacters);
+  __m512i lowNibble_ = _mm512_set1_epi8(15);
+  __m512i escape_;
+};
 
 // The hex values of `chars`; every character that is no hex digit
 // (including those from 128 up) has the top bit.

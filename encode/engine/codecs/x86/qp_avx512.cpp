@@ -45,6 +45,7 @@ size_t QpEncodeBytesAvx512(const uint8_t* in, size_t length, bool wrap, size_t r
                            uint32_t* column, size_t* written) {
   const __m512i escapedLow = Load(kEscaped<0>);
   const __m512i escapedHigh = Load(kEscaped<1>);
+  const EscapeLayout layOut('=');
   size_t at = 0, made = 0;
   uint32_t lineColumn = *column;
   while (length - at >= kEscapeStep && room - made >= kQpEncodeStepRoom) {
@@ -58,7 +59,7 @@ size_t QpEncodeBytesAvx512(const uint8_t* in, size_t length, bool wrap, size_t r
         _mm512_or_si512(_mm512_permutex2var_epi8(escapedLow, bytes, escapedHigh), bytes));
     const auto escaped = static_cast<uint32_t>((listed | (blanks & (returns >> 1))) & 0xFFFF);
 
-    const LaidOutEscapes laidOut = LayOutEscapes(bytes, escaped, '=');
+    const LaidOutEscapes laidOut = layOut(bytes, escaped);
 
     // Where the soft line break falls, if it does: before the byte that
     // finds the column past 72. After one, a step cannot reach 72 again.

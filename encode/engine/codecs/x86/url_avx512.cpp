@@ -40,12 +40,13 @@ size_t UrlEncodeBytesAvx512(const uint8_t* in, size_t length, size_t room, char*
                             size_t* written) {
   const __m512i escapedLow = Load(kEscaped<0>);
   const __m512i escapedHigh = Load(kEscaped<1>);
+  const EscapeLayout layOut('%');
   size_t at = 0, made = 0;
   while (length - at >= kEscapeStep && room - made >= kUrlEncodeStepRoom) {
     const __m512i bytes = _mm512_maskz_loadu_epi8(FirstBytes(kEscapeStep), in + at);
     const auto escaped = static_cast<uint32_t>(_mm512_movepi8_mask(
         _mm512_or_si512(_mm512_permutex2var_epi8(escapedLow, bytes, escapedHigh), bytes)));
-    const LaidOutEscapes laidOut = LayOutEscapes(bytes, escaped & 0xFFFF, '%');
+    const LaidOutEscapes laidOut = layOut(bytes, escaped & 0xFFFF);
     const auto count = static_cast<size_t>(std::popcount(laidOut.kept));
     _mm512_mask_storeu_epi8(out + made, FirstBytes(count),
                             _mm512_maskz_compress_epi8(laidOut.kept, laidOut.places));
