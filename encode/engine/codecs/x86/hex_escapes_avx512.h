@@ -71,7 +71,32 @@ inline __m512i Load(const Table& table) {
   return _mm512_loadu_si512(table.data());
 }
 
+// 0x80 for the bytes below 128 that a codec escapes, low and high halves.
+template <const std::array<bool, 256>& kWrittenAsIs, int kHalf>
+inline constexpr Table kEscaped = [] {
+  Table table{};
+  for (int i = 0; i < 64; ++i)
+    table[i] = kWrittenAsIs[64 * kHalf + i] ? 0 : 0x80;
+  return table;
+}();
+
 }  // namespace hex_escapes
+
+// Which bytes a codec escapes, by the table of those it writes as they
+// are; both codecs escape every byte from 128 up. Built once before a
+// loop.
+template <const std::array<bool, 256>& kWrittenAsIs>
+class EscapeSet {
+ public:
+  __mmask64 operator()(__m512i bytes) const {
+    return _mm512_movepi8_mask(
+        _mm512_or_si512(_mm512_permutex2var_epi8(low_, bytes, high_), bytes));
+  }
+
+ private:
+  __m512i low_ = hex_escapes::Load(hex_escapes::kEscaped<kWrittenAsIs, 0>);
+  __m512i high_ = hex_escapes::Load(hex_escapes::kEscaped<kWrittenAsIs, 1>);
+};
 
 struct LaidOutEscapes {
   __m512i places;  // three places a byte

@@ -10,7 +10,6 @@
 #include <immintrin.h>
 
 #include <algorithm>
-#include <array>
 #include <bit>
 #include <cstdint>
 
@@ -22,29 +21,9 @@
 
 namespace fe::codecs::x86 {
 
-namespace {
-
-using Table64 = std::array<uint8_t, 64>;
-
-// 0x80 for the bytes below 128 that are escaped; every byte from 128 up is.
-template <int kHalf>
-constexpr Table64 kEscaped = [] {
-  Table64 table{};
-  for (int i = 0; i < 64; ++i)
-    table[i] = kQpWrittenAsIs[64 * kHalf + i] ? 0 : 0x80;
-  return table;
-}();
-
-__m512i Load(const Table64& table) {
-  return _mm512_loadu_si512(table.data());
-}
-
-}  // namespace
-
 size_t QpEncodeBytesAvx512(const uint8_t* in, size_t length, bool wrap, size_t room, char* out,
                            uint32_t* column, size_t* written) {
-  const __m512i escapedLow = Load(kEscaped<0>);
-  const __m512i escapedHigh = Load(kEscaped<1>);
+  const EscapeSet<kQpWrittenAsIs> escapedOf;
   const EscapeLayout layOut('=');
   size_t at = 0, made = 0;
   uint32_t lineColumn = *column;
@@ -55,8 +34,7 @@ size_t QpEncodeBytesAvx512(const uint8_t* in, size_t length, bool wrap, size_t r
     const __mmask64 blanks = _mm512_cmpeq_epi8_mask(bytes, _mm512_set1_epi8(' ')) |
                              _mm512_cmpeq_epi8_mask(bytes, _mm512_set1_epi8('\t'));
     const __mmask64 returns = _mm512_cmpeq_epi8_mask(bytes, _mm512_set1_epi8('\r')) & present;
-    const __mmask64 listed = _mm512_movepi8_mask(
-        _mm512_or_si512(_mm512_permutex2var_epi8(escapedLow, bytes, escapedHigh), bytes));
+    const __mmask64 listed = escapedOf(bytes);
     const auto escaped = static_cast<uint32_t>((listed | (blanks & (returns >> 1))) & 0xFFFF);
 
     const LaidOutEscapes laidOut = layOut(bytes, escaped);

@@ -6,7 +6,6 @@
 #include <immintrin.h>
 
 #include <algorithm>
-#include <array>
 #include <bit>
 #include <cstdint>
 
@@ -17,36 +16,15 @@
 
 namespace fe::codecs::x86 {
 
-namespace {
-
-using Table64 = std::array<uint8_t, 64>;
-
-// 0x80 for the bytes below 128 that are escaped; every byte from 128 up is.
-template <int kHalf>
-constexpr Table64 kEscaped = [] {
-  Table64 table{};
-  for (int i = 0; i < 64; ++i)
-    table[i] = kUrlWrittenAsIs[64 * kHalf + i] ? 0 : 0x80;
-  return table;
-}();
-
-__m512i Load(const Table64& table) {
-  return _mm512_loadu_si512(table.data());
-}
-
-}  // namespace
-
 size_t UrlEncodeBytesAvx512(const uint8_t* in, size_t length, size_t room, char* out,
                             size_t* written) {
-  const __m512i escapedLow = Load(kEscaped<0>);
-  const __m512i escapedHigh = Load(kEscaped<1>);
+  const EscapeSet<kUrlWrittenAsIs> escapedOf;
   const EscapeLayout layOut('%');
   size_t at = 0, made = 0;
   while (length - at >= kEscapeStep && room - made >= kUrlEncodeStepRoom) {
     const __m512i bytes = _mm512_maskz_loadu_epi8(FirstBytes(kEscapeStep), in + at);
-    const auto escaped = static_cast<uint32_t>(_mm512_movepi8_mask(
-        _mm512_or_si512(_mm512_permutex2var_epi8(escapedLow, bytes, escapedHigh), bytes)));
-    const LaidOutEscapes laidOut = layOut(bytes, escaped & 0xFFFF);
+    const auto escaped = static_cast<uint32_t>(escapedOf(bytes) & 0xFFFF);
+    const LaidOutEscapes laidOut = layOut(bytes, escaped);
     const auto count = static_cast<size_t>(std::popcount(laidOut.kept));
     _mm512_mask_storeu_epi8(out + made, FirstBytes(count),
                             _mm512_maskz_compress_epi8(laidOut.kept, laidOut.places));
