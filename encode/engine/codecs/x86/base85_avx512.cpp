@@ -158,13 +158,17 @@ __m512i DivideBy85(__m512i value, __m512i* digit) {
   return quotient;
 }
 
-// The values of `n` groups, one per lane (the rest zero), and their
-// digits 0-84 in bytes 0-4 of the lanes, most significant first.
-__m512i SplitGroups(const uint8_t* in, size_t n, const __m512i& lanesOfBytes, __m512i* values) {
+// The values of `n` groups from `in`, one per lane (the rest zero).
+__m512i GroupValues(const uint8_t* in, size_t n, const __m512i& lanesOfBytes) {
   const __m512i bytes = _mm512_maskz_loadu_epi8(FirstBytes(4 * n), in);
-  *values = _mm512_maskz_permutexvar_epi8(kValueLanes, lanesOfBytes, bytes);
+  return _mm512_maskz_permutexvar_epi8(kValueLanes, lanesOfBytes, bytes);
+}
+
+// The digits 0-84 of each lane's value in its bytes 0-4, most significant
+// first.
+__m512i DigitsOf(__m512i values) {
   __m512i d1, d2, d3, d4;
-  __m512i rest = DivideBy85(*values, &d4);
+  __m512i rest = DivideBy85(values, &d4);
   rest = DivideBy85(rest, &d3);
   rest = DivideBy85(rest, &d2);
   const __m512i d0 = DivideBy85(rest, &d1);  // below 85: 2^32 / 85^4 is 82.2
@@ -194,8 +198,8 @@ size_t Base85EncodeGroupsAvx512(const uint8_t* in, size_t groups, char* out) {
   size_t written = 0;
   for (size_t done = 0; done < groups; done += kStepGroups) {
     const size_t n = std::min(kStepGroups, groups - done);
-    __m512i values;
-    const __m512i digits = SplitGroups(in + 4 * done, n, lanesOfBytes, &values);
+    const __m512i values = GroupValues(in + 4 * done, n, lanesOfBytes);
+    const __m512i digits = DigitsOf(values);
     // Every character kept is nonzero: '!' and up, or the lone 'z'.
     const __m512i chars =
         _mm512_mask_blend_epi64(_mm512_cmpeq_epi64_mask(values, _mm512_setzero_si512()),
@@ -216,9 +220,8 @@ void Z85EncodeGroupsAvx512(const uint8_t* in, size_t groups, char* out) {
   const __m512i high = Load(kZ85Characters<1>);
   for (size_t done = 0; done < groups; done += kStepGroups) {
     const size_t n = std::min(kStepGroups, groups - done);
-    __m512i values;
     const __m512i digits =
-        Permute(digitsOfLanes, SplitGroups(in + 4 * done, n, lanesOfBytes, &values));
+        Permute(digitsOfLanes, DigitsOf(GroupValues(in + 4 * done, n, lanesOfBytes)));
     _mm512_mask_storeu_epi8(out + 5 * done, FirstBytes(5 * n),
                             _mm512_permutex2var_epi8(low, digits, high));
   }
