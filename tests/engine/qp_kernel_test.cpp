@@ -4,11 +4,13 @@
 // level (FE_CPU), so the vector kernel and the run copies both face it.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <random>
 #include <string>
 #include <vector>
 
 #include "chunk_pieces.h"
+#include "codecs/codec_internal.h"
 #include "codecs/qp_kernels.h"
 #include "cpu/cpu_level.h"
 #include "reference/qp_reference.h"
@@ -148,6 +150,75 @@ TEST(QpKernels, EncoderAgreesAtEveryCapacity) {
   for (int32_t capacity = 400; capacity <= 950; ++capacity) {
     ExpectEncodingAgrees(data, capacity, true);
     ExpectEncodingAgrees(data, capacity, false);
+  }
+}
+
+// A step's soft line break wherever its line has got to: the first step
+// holds 0 to 16 escapes (so the next starts at every even column from 16 to
+// 48), then come steps of escapes only, of every second byte escaped, or of
+// mixed bytes.
+TEST(QpKernels, SoftBreaksFallWhereThePlainEncoderPutsThem) {
+  for (size_t escapes = 0; escapes <= 16; ++escapes) {
+    for (int kind = 0; kind < 3; ++kind) {
+      Bytes data(16, 'a');
+      std::fill_n(data.begin(), escapes, '=');
+      const Bytes rest = MixedBytes(200, static_cast<uint32_t>(escapes));
+      for (size_t k = 0; k < rest.size(); ++k)
+        data.push_back(kind == 0 ? '=' : kind == 1 ? (k % 2 ? 'b' : '{') : rest[k]);
+      ExpectEncodingAgrees(data, static_cast<int32_t>(3 * data.size() + 20), true);
+    }
+  }
+}
+
+// The file form's pieces, each encoded alone by the plain encoder with the
+// room a piece needs.
+std::string EachPieceAlone(const Bytes& data) {
+  std::string text;
+  for (size_t at = 0; at < data.size(); at += 16) {
+    const auto n = static_cast<int32_t>(std::min<size_t>(16, data.size() - at));
+    std::string piece;
+    EXPECT_GE(reference::QpEncode(data.data() + at, n, 48, true, 50, &piece), 0);
+    text += piece;
+  }
+  return text;
+}
+
+std::string FilePieces(const Bytes& data) {
+  std::vector<char> out(3 * data.size() + 64, '#');
+  const size_t made = codecs::QpEncodePieces(data.data(), data.size(), out.data());
+  EXPECT_LE(made, 3 * data.size());
+  // Nothing is written after the last character.
+  EXPECT_EQ(std::string(out.begin() + static_cast<ptrdiff_t>(made), out.end()),
+            std::string(out.size() - made, '#'));
+  return std::string(out.data(), made);
+}
+
+TEST(QpKernels, FilePiecesAgreeWithEachPieceEncodedAloneAtEveryLength) {
+  for (size_t length = 0; length <= 4096; ++length) {
+    const Bytes data = MixedBytes(length, static_cast<uint32_t>(length + 9));
+    ASSERT_EQ(FilePieces(data), EachPieceAlone(data)) << "length " << length;
+  }
+}
+
+// A blank that ends a piece is its input's last byte: it stays as it is
+// even before a CR, which the next piece escapes.
+TEST(QpKernels, BlankEndingAFilePieceStaysBeforeACr) {
+  Bytes data(32, 'a');
+  data[15] = ' ';
+  data[16] = '\r';
+  EXPECT_EQ(FilePieces(data), std::string(15, 'a') + " =0D" + std::string(15, 'a'));
+  data[15] = 'a';
+  data[14] = '\t';
+  data[15] = '\r';
+  data[16] = 'a';
+  EXPECT_EQ(FilePieces(data), std::string(14, 'a') + "=09=0D" + std::string(16, 'a'));
+  for (size_t at = 0; at + 1 < 48; ++at) {
+    for (uint8_t blank : {' ', '\t'}) {
+      Bytes line(48, 'z');
+      line[at] = blank;
+      line[at + 1] = '\r';
+      ASSERT_EQ(FilePieces(line), EachPieceAlone(line)) << "at " << at;
+    }
   }
 }
 

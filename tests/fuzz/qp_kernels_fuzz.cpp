@@ -3,13 +3,16 @@
 // count, output byte and state field identical over chunk splits and
 // capacities the input chooses. Encoding: the same characters, count and
 // failure at a capacity and wrapping the input chooses, and nothing written
-// after the last character. Choice bytes: the mode (bit 0 encodes, bit 1
+// after the last character; and the file form's 16-byte pieces against
+// each piece encoded alone. Choice bytes: the mode (bit 0 encodes, bit 1
 // wraps) and a seed; the rest is the text or the data.
+#include <algorithm>
 #include <random>
 #include <string>
 #include <vector>
 
 #include "chunk_differential.h"
+#include "codecs/codec_internal.h"
 #include "file_encoder.h"
 #include "fuzz_input.h"
 #include "reference/qp_reference.h"
@@ -49,6 +52,21 @@ void Encode(const std::vector<uint8_t>& data, bool wrap, std::mt19937& random) {
     fe::fuzz::Check(out[k] == '#');
 }
 
+void EncodePieces(const std::vector<uint8_t>& data) {
+  std::vector<char> out(3 * data.size() + 8, '#');
+  const size_t made = fe::codecs::QpEncodePieces(data.data(), data.size(), out.data());
+  std::string plain;
+  for (size_t at = 0; at < data.size(); at += 16) {
+    const auto n = static_cast<int32_t>(std::min<size_t>(16, data.size() - at));
+    std::string piece;
+    fe::fuzz::Check(fe::reference::QpEncode(data.data() + at, n, 48, true, 50, &piece) >= 0);
+    plain += piece;
+  }
+  fe::fuzz::Check(std::string(out.data(), made) == plain);
+  for (size_t k = made; k < out.size(); ++k)
+    fe::fuzz::Check(out[k] == '#');
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
@@ -58,6 +76,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const std::vector<uint8_t> rest = input.Rest();
   if (mode & 1) {
     Encode(rest, (mode & 2) != 0, random);
+    EncodePieces(rest);
   } else {
     Decode(rest, random);
   }

@@ -32,6 +32,13 @@ constexpr bool IsAsciiSpace(uint8_t c) {
 // instead. The dispatch passes the caller's outputSize here.
 int32_t QpEncodeInto(const uint8_t* input, int32_t length, char* output, int32_t capacity,
                      bool wrap, int64_t bufferSize);
+// The quoted-printable file form encodes its input in pieces of this many
+// bytes, each as an input of its own: a blank that ends a piece stays as it
+// is whatever follows, and no piece reaches a soft line break.
+inline constexpr size_t kQpFilePiece = 16;
+// Encodes `length` bytes in such pieces (the last may be shorter) into
+// `out`, which holds 3 * length characters; returns the characters written.
+size_t QpEncodePieces(const uint8_t* input, size_t length, char* out);
 int32_t UrlEncodeInto(const uint8_t* input, int32_t length, char* output, int32_t capacity,
                       int64_t bufferSize);
 // The terminator is written only when it fits in bufferSize.

@@ -53,7 +53,8 @@ const Base85Kernels* PickBase85Kernels() {
 // Quoted-printable squeezes with VBMI2.
 const QpKernels* PickQpKernels() {
 #ifdef FE_CODECS_X86
-  static constexpr QpKernels kAvx512{x86::QpEncodeBytesAvx512, x86::QpDecodeTextAvx512};
+  static constexpr QpKernels kAvx512{x86::QpEncodeBytesAvx512, x86::QpEncodePiecesAvx512,
+                                     x86::QpDecodeTextAvx512};
   if (cpu::ChosenLevel() >= cpu::Level::kAvx512) return &kAvx512;
 #endif
   return nullptr;

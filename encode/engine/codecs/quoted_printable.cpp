@@ -95,6 +95,22 @@ int32_t QpEncodeInto(const uint8_t* input, int32_t length, char* output, int32_t
   return static_cast<int32_t>(count);
 }
 
+size_t QpEncodePieces(const uint8_t* input, size_t length, char* out) {
+  size_t at = 0, made = 0;
+  if (const auto* kernels = ChosenQpKernels()) {
+    made = kernels->encodePieces(input, length / kQpFilePiece, out);
+    at = length - length % kQpFilePiece;
+  }
+  // A piece needs at most 3 characters a byte, so it always fits whole.
+  constexpr int32_t kPieceRoom = 3 * kQpFilePiece;
+  for (; at < length; at += kQpFilePiece) {
+    const auto piece = static_cast<int32_t>(std::min(length - at, kQpFilePiece));
+    made += static_cast<size_t>(
+        QpEncodeInto(input + at, piece, out + made, kPieceRoom, true, kPieceRoom));
+  }
+  return made;
+}
+
 }  // namespace fe::codecs
 
 extern "C" {

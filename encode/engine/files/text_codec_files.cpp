@@ -16,8 +16,8 @@ namespace {
 
 using namespace fe::files;
 
-constexpr uint32_t kQpPiece = 16;
-constexpr int32_t kQpPieceCapacity = 48;
+// Quoted-printable is read this many bytes at a time, whole pieces.
+constexpr uint32_t kQpBlock = 256 * fe::codecs::kQpFilePiece;
 constexpr uint32_t kChunk = 512;
 constexpr uint32_t kBase85DecodeChunk = 1024;
 constexpr int32_t kEncodedCapacity = 1024;
@@ -79,16 +79,16 @@ extern "C" {
 int QpEncodeFile(const char* inputName, const char* outputName) {
   FilePair files;
   if (!files.Open(inputName, outputName)) return 0;
-  // Each 16-byte piece is encoded on its own: its column count starts
-  // afresh, so the soft line break never comes and the file is one line.
+  // Each 16-byte piece is encoded on its own, as files written by earlier
+  // versions were: its column count starts afresh, so the soft line break
+  // never comes and the file is one line. A block of whole pieces at a
+  // time (the reader is short only at the end) splits them the same way.
   BufferedReader reader(files.input.get());
   BufferedWriter writer(files.output.get());
-  uint8_t piece[kQpPiece];
-  char text[kQpPieceCapacity + 2];
-  for (uint32_t n; (n = reader.Read(piece, kQpPiece)) > 0;) {
-    const int32_t count = QpEncode(piece, static_cast<int32_t>(n), text, kQpPieceCapacity, 1);
-    if (count > 0) writer.Write(text, static_cast<uint32_t>(count));
-  }
+  uint8_t block[kQpBlock];
+  char text[3 * kQpBlock];
+  for (uint32_t n; (n = reader.Read(block, kQpBlock)) > 0;)
+    writer.Write(text, static_cast<uint32_t>(fe::codecs::QpEncodePieces(block, n, text)));
   return 1;
 }
 

@@ -37,6 +37,7 @@ size_t Base32DecodeGroupsAvx512(const uint8_t* text, size_t length, size_t maxGr
 
 size_t QpEncodeBytesAvx512(const uint8_t* in, size_t length, bool wrap, size_t room, char* out,
                            uint32_t* column, size_t* written);
+size_t QpEncodePiecesAvx512(const uint8_t* in, size_t pieces, char* out);
 size_t QpDecodeTextAvx512(const uint8_t* text, size_t length, size_t room, uint8_t* out,
                           size_t* written, size_t* lastEscape);
 

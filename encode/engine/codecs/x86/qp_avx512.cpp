@@ -2,7 +2,8 @@
 // Encoding, 16 bytes a step: each byte is laid out three times, as the
 // place of an '=' (or of the byte itself), of the high digit and of the low
 // digit, and a compress keeps the places each byte needs; the one soft line
-// break a step can hold splits the compress in two.
+// break a step can hold splits the compress in two. The file form's pieces
+// are one step each.
 // Decoding, 64 characters a step: the masks of '=', hex digits and line
 // ends show every escape and soft line break of the step at once; each
 // escape's byte goes where its '=' stood and a compress squeezes out the
@@ -21,6 +22,29 @@
 
 namespace fe::codecs::x86 {
 
+namespace {
+
+static_assert(kQpFilePiece == kEscapeStep, "a file piece is one step");
+
+// The bytes of a step that are escaped: the listed ones, and blanks before
+// a CR among the `present` bytes (the step's and the one after it, if any).
+uint32_t EscapedInStep(const EscapeSet<kQpWrittenAsIs>& escapedOf, __m512i bytes,
+                       __mmask64 present) {
+  const __mmask64 blanks = _mm512_cmpeq_epi8_mask(bytes, _mm512_set1_epi8(' ')) |
+                           _mm512_cmpeq_epi8_mask(bytes, _mm512_set1_epi8('\t'));
+  const __mmask64 returns = _mm512_cmpeq_epi8_mask(bytes, _mm512_set1_epi8('\r')) & present;
+  return static_cast<uint32_t>((escapedOf(bytes) | (blanks & (returns >> 1))) & 0xFFFF);
+}
+
+// Stores the `chosen` places at `out`; returns how many.
+size_t StorePlaces(char* out, __mmask64 chosen, __m512i places) {
+  const auto count = static_cast<size_t>(std::popcount(chosen));
+  _mm512_mask_storeu_epi8(out, FirstBytes(count), _mm512_maskz_compress_epi8(chosen, places));
+  return count;
+}
+
+}  // namespace
+
 size_t QpEncodeBytesAvx512(const uint8_t* in, size_t length, bool wrap, size_t room, char* out,
                            uint32_t* column, size_t* written) {
   const EscapeSet<kQpWrittenAsIs> escapedOf;
@@ -31,45 +55,52 @@ size_t QpEncodeBytesAvx512(const uint8_t* in, size_t length, bool wrap, size_t r
     // The byte after the step decides whether its last blank is escaped.
     const __mmask64 present = FirstBytes(std::min(length - at, kEscapeStep + 1));
     const __m512i bytes = _mm512_maskz_loadu_epi8(present, in + at);
-    const __mmask64 blanks = _mm512_cmpeq_epi8_mask(bytes, _mm512_set1_epi8(' ')) |
-                             _mm512_cmpeq_epi8_mask(bytes, _mm512_set1_epi8('\t'));
-    const __mmask64 returns = _mm512_cmpeq_epi8_mask(bytes, _mm512_set1_epi8('\r')) & present;
-    const __mmask64 listed = escapedOf(bytes);
-    const auto escaped = static_cast<uint32_t>((listed | (blanks & (returns >> 1))) & 0xFFFF);
-
+    const uint32_t escaped = EscapedInStep(escapedOf, bytes, present);
     const LaidOutEscapes laidOut = layOut(bytes, escaped);
 
     // Where the soft line break falls, if it does: before the byte that
     // finds the column past 72. After one, a step cannot reach 72 again.
+    // A step whose last byte cannot find it there (three places a byte at
+    // most) has none.
     size_t breakBefore = kEscapeStep;
-    for (size_t j = 0; j < kEscapeStep; ++j) {
-      if (wrap && lineColumn > static_cast<uint32_t>(kLineLength) && breakBefore == kEscapeStep) {
-        breakBefore = j;
-        lineColumn = 0;
+    if (wrap && lineColumn + 3 * (kEscapeStep - 1) > static_cast<uint32_t>(kLineLength)) {
+      for (size_t j = 0; j < kEscapeStep; ++j) {
+        if (lineColumn > static_cast<uint32_t>(kLineLength) && breakBefore == kEscapeStep) {
+          breakBefore = j;
+          lineColumn = 0;
+        }
+        lineColumn += (escaped >> j) & 1 ? 3 : 1;
       }
-      lineColumn += (escaped >> j) & 1 ? 3 : 1;
+    } else {
+      lineColumn += static_cast<uint32_t>(kEscapeStep + 2 * std::popcount(escaped));
     }
     const __mmask64 first = laidOut.kept & FirstBytes(3 * breakBefore);
-    const auto firstCount = static_cast<size_t>(std::popcount(first));
-    _mm512_mask_storeu_epi8(out + made, FirstBytes(firstCount),
-                            _mm512_maskz_compress_epi8(first, laidOut.places));
-    made += firstCount;
+    made += StorePlaces(out + made, first, laidOut.places);
     if (breakBefore < kEscapeStep) {
-      const __mmask64 second = laidOut.kept & ~first;
       out[made] = '=';
       out[made + 1] = '\r';
       out[made + 2] = '\n';
       made += 3;
-      const auto secondCount = static_cast<size_t>(std::popcount(second));
-      _mm512_mask_storeu_epi8(out + made, FirstBytes(secondCount),
-                              _mm512_maskz_compress_epi8(second, laidOut.places));
-      made += secondCount;
+      made += StorePlaces(out + made, laidOut.kept & ~first, laidOut.places);
     }
     at += kEscapeStep;
   }
   *column = lineColumn;
   *written = made;
   return at;
+}
+
+size_t QpEncodePiecesAvx512(const uint8_t* in, size_t pieces, char* out) {
+  const EscapeSet<kQpWrittenAsIs> escapedOf;
+  const EscapeLayout layOut('=');
+  const __mmask64 present = FirstBytes(kQpFilePiece);  // nothing follows a piece
+  size_t made = 0;
+  for (size_t piece = 0; piece < pieces; ++piece) {
+    const __m512i bytes = _mm512_maskz_loadu_epi8(present, in + piece * kQpFilePiece);
+    const LaidOutEscapes laidOut = layOut(bytes, EscapedInStep(escapedOf, bytes, present));
+    made += StorePlaces(out + made, laidOut.kept, laidOut.places);
+  }
+  return made;
 }
 
 size_t QpDecodeTextAvx512(const uint8_t* text, size_t length, size_t room, uint8_t* out,
