@@ -62,8 +62,7 @@ std::string DamagedText(std::mt19937& random, int32_t length) {
     }
   }
   static const std::string noise("=\r\n \t!0189@[`{\x7F\x80\xC3\xFF\0", 19);
-  for (int k = static_cast<int>(random() % 4); k > 0 && length > 0; --k)
-    text[random() % static_cast<uint32_t>(length)] = noise[random() % noise.size()];
+  Damage(random, text, noise);
   return text;
 }
 

@@ -59,9 +59,7 @@ std::string DamagedText(std::mt19937& random, int32_t length) {
   std::string text = Encode(RandomBytes(static_cast<size_t>(length), random()), flags);
   text.resize(static_cast<size_t>(length), 'Q');
   static const std::string noise("=\r\n \t\v!-_.:@[`{\x7F\x80\xC3\xFF\0", 21);
-  for (int k = static_cast<int>(random() % 4); k > 0 && length > 0; --k) {
-    text[random() % static_cast<uint32_t>(length)] = noise[random() % noise.size()];
-  }
+  Damage(random, text, noise);
   return text;
 }
 

@@ -219,9 +219,7 @@ TEST(Base64, DecoderMatchesPlainStateMachine) {
   for (int round = 0; round < 400; ++round) {
     std::string text = Encode(RandomBytes(random() % 300, static_cast<uint32_t>(round)),
                               dataEncodeBase64 | (round % 2 ? dataEncodeWrapLines : 0));
-    for (int k = static_cast<int>(random() % 4); k > 0 && !text.empty(); --k) {
-      text[random() % text.size()] = noise[random() % noise.size()];
-    }
+    Damage(random, text, noise);
     const auto capacity = static_cast<int32_t>(random() % 260);
     Base64State fast{}, plain{};
     Bytes a(static_cast<size_t>(capacity) + 1), b(static_cast<size_t>(capacity) + 1);

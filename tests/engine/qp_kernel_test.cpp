@@ -48,8 +48,7 @@ std::string DamagedText(std::mt19937& random, int32_t length) {
   std::string text = Encode(RandomBytes(static_cast<size_t>(length), random()), flags);
   text.resize(static_cast<size_t>(length), 'q');
   static const std::string noise("=\r\n \t4fG\x80\xFF\0", 11);
-  for (int k = static_cast<int>(random() % 4); k > 0 && length > 0; --k)
-    text[random() % static_cast<uint32_t>(length)] = noise[random() % noise.size()];
+  Damage(random, text, noise);
   return text;
 }
 

@@ -20,6 +20,12 @@ inline Bytes RandomBytes(size_t size, uint32_t seed) {
   return bytes;
 }
 
+// Puts up to three characters of `noise` at random places of `text`.
+inline void Damage(std::mt19937& random, std::string& text, const std::string& noise) {
+  for (int k = static_cast<int>(random() % 4); k > 0 && !text.empty(); --k)
+    text[random() % text.size()] = noise[random() % noise.size()];
+}
+
 inline Bytes ToBytes(const std::string& text) {
   return Bytes(text.begin(), text.end());
 }

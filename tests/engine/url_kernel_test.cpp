@@ -83,8 +83,7 @@ std::string DamagedText(std::mt19937& random, size_t length) {
   std::string text = length > 0 ? Encode(MixedBytes(random, length), dataEncodeURL) : "";
   text.resize(length, 'a');
   static const std::string noise("+%%%fFaA9g\x80\xFF", 12);
-  for (int k = static_cast<int>(random() % 4); k > 0 && length > 0; --k)
-    text[random() % length] = noise[random() % noise.size()];
+  Damage(random, text, noise);
   return text;
 }
 

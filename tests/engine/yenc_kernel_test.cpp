@@ -79,8 +79,7 @@ std::string NoisyLine(std::mt19937& random, size_t length) {
   std::string line = reference::YencEncodeBody(data.data(), data.size(), &used);
   line.resize(length, 'q');
   static const std::string noise("==\r\n\0=\r=\n", 9);
-  for (int k = static_cast<int>(random() % 4); k > 0 && length > 0; --k)
-    line[random() % length] = noise[random() % noise.size()];
+  Damage(random, line, noise);
   if (length >= 2 && random() % 2 == 0) line.replace(length - 2, 2, "\r\n");
   return line;
 }
